@@ -17,7 +17,7 @@ build:
 	@cmake --build $(BUILD) -j $(JOBS)
 
 run: deps build
-	@scripts/run-editor $(BUILD)/app/tolva $(FILE)
+	@scripts/run-editor $(CURDIR)/$(BUILD)/app/tolva $(FILE)
 
 test: deps
 	@scripts/run-tests $(BUILD) $(ASAN_BUILD)

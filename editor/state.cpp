@@ -1,0 +1,23 @@
+// Program-wide editor state and its reset.
+#include "editor/state.h"
+
+#include "editor/command.h"
+#include "editor/filetype.h"
+#include "editor/macros.h"
+#include "editor/messages.h"
+#include "editor/ring.h"
+
+xf_run_state xf_run;
+xf_settings xf_set;
+int32_t rc = 0;
+
+void xf_state_reset() {
+  xf_run = xf_run_state{};
+  xf_set = xf_settings{};
+  rc = 0;
+  xf_ring_reset();
+  xf_ft_reset();
+  xf_macro_reset();
+  xf_cmd_reset();
+  xf_msgs = xf_msg_state{};
+}

@@ -1,0 +1,1 @@
+ln a.txt b.txt

@@ -1,0 +1,1 @@
+ln -s target.txt link.txt

@@ -1,0 +1,2 @@
+ln -s "$TOLVA" xeda
+./xeda -batch

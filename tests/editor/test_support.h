@@ -1,0 +1,36 @@
+// Shared set-up for the editor's unit tests: a clean batch editor with one 24x80 view.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "editor/cmdtable.h"
+#include "editor/command.h"
+#include "editor/ring.h"
+#include "editor/startup.h"
+#include "editor/state.h"
+
+inline void fresh_editor() {
+  xf_state_reset();
+  xf_run.batch = 1;
+  xf_run.work_dir = "/tmp";
+  xfini(24, 80);
+}
+
+// A new file in the ring holding these lines.
+inline void file_with(const std::vector<std::string>& lines, const std::string& name = "/tmp/t.txt") {
+  xf_new_file();
+  xf_file& f = *xf_ring.file;
+  f.name = f.saved_name = name;
+  std::vector<xf_text> texts;
+  for (const auto& l : lines) texts.push_back(xf_new_text(l));
+  if (!texts.empty()) xf_do('I', nullptr, -1, static_cast<int32_t>(texts.size()), 0, &texts, "test");
+}
+
+inline std::vector<std::string> lines_of(const xf_file& f) {
+  std::vector<std::string> r;
+  for (int32_t i = 0; i < f.size; ++i) r.emplace_back(f.line(i));
+  return r;
+}
+
+inline std::vector<std::string>& queued_messages() { return xf_ring.views[0]->messages; }
