@@ -392,8 +392,9 @@ void produce_image(os_save_sink& sink, const xf_file& f, bool crlf, bool verify)
       if (f.lrecl > 0 && out.size() - start < static_cast<std::size_t>(f.lrecl))
         out.append(f.lrecl - (out.size() - start), ' ');
     }
-    for (std::size_t k = start; k < out.size(); ++k)
-      if (out[k] == '\n') out[k] = 0;
+    // Line feeds inside a line stand for NUL bytes on disk (rare: look before walking the bytes).
+    if (std::memchr(out.data() + start, '\n', out.size() - start))
+      std::replace(out.begin() + static_cast<std::ptrdiff_t>(start), out.end(), '\n', '\0');
     bool last = i == f.size - 1;
     if (!(last && f.binary)) {
       if (crlf) {
