@@ -76,6 +76,13 @@ bool join_quoted(std::vector<std::string>& args) {
   return true;
 }
 
+// TIMELOAD: a timing mark on the trace output with the milliseconds since start.
+void timing_mark(const char* stage) {
+  if (!xf_run.timeload) return;
+  static const int64_t start = os_now_ms();
+  std::fprintf(stderr, "TOLVA trace: %s[%d]\n", stage, static_cast<int>(os_now_ms() - start));
+}
+
 int refuse(const char* text) {
   std::fprintf(stderr, "%s\n", text);
   return 1;
@@ -223,6 +230,7 @@ int tolva_main(int argc, char** argv) {
   xf_state_reset();
   auto timeload = env.get("TIMELOAD");
   xf_run.timeload = timeload && *timeload == "ON";
+  timing_mark("start");
   std::vector<std::string> args(argv + 1, argv + argc);
   if (!join_quoted(args)) return refuse("Invalid \" count on invocation.");
   std::string self(os_base_name(argc > 0 ? argv[0] : "tolva"));
@@ -276,8 +284,10 @@ int tolva_main(int argc, char** argv) {
   }
   xf_emergency_install(argc, argv);
   xfini(24, 80);
+  timing_mark("xfini");
   xf_run.profile_args = o.files;
   if (o.profile_choice != 0 && !run_profile(o, env)) return 1;
+  timing_mark("profile");
   if (!flist_start)
     for (const std::string& f : o.files) xf_run.rexx_stack.push_back("xed \"" + f + "\"");
   for (const std::string& c : o.commands) xf_run.rexx_stack.push_back(c);
@@ -291,6 +301,7 @@ int tolva_main(int argc, char** argv) {
     xf_emergency_poll();
     if (!xfcom(xf_run.work_dir)) break;
   }
+  timing_mark("commands");
   xf_flush_messages();
   xf_exit();
 }

@@ -19,3 +19,9 @@ os_local os_local_time(int64_t t) {
   out.weekday = tm.tm_wday;
   return out;
 }
+
+int64_t os_now_ms() {
+  struct timespec ts;
+  clock_gettime(CLOCK_MONOTONIC, &ts);
+  return static_cast<int64_t>(ts.tv_sec) * 1000 + ts.tv_nsec / 1000000;
+}

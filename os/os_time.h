@@ -5,6 +5,8 @@
 
 // Seconds since the epoch.
 int64_t os_now();
+// Milliseconds of a monotonic clock, for measuring intervals.
+int64_t os_now_ms();
 
 // A local time; month 1-12, day 1-31, weekday 0 (Sunday) to 6.
 struct os_local {
