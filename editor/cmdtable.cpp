@@ -4,6 +4,7 @@
 #include <array>
 
 #include "editor/handlers.h"
+#include "rexxlib/support.h"
 
 namespace {
 
@@ -159,14 +160,4 @@ int32_t xf_synonym_match(std::string_view word, std::string_view name, int32_t m
   return static_cast<int32_t>(i);
 }
 
-std::vector<std::string> xf_tokens(std::string_view text) {
-  std::vector<std::string> words;
-  std::size_t i = 0;
-  while (i < text.size()) {
-    while (i < text.size() && text[i] == ' ') ++i;
-    std::size_t start = i;
-    while (i < text.size() && text[i] != ' ') ++i;
-    if (i > start) words.emplace_back(text.substr(start, i - start));
-  }
-  return words;
-}
+std::vector<std::string> xf_tokens(std::string_view text) { return split_blanks(text); }
