@@ -7,8 +7,10 @@ function(tolva_gtest name)
   cmake_parse_arguments(T "" "" "LIBS" ${ARGN})
   add_executable(${name} ${T_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE ${T_LIBS} GTest::gtest GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
-    PROPERTIES ENVIRONMENT "TOLVA_SOURCE_DIR=${CMAKE_SOURCE_DIR};TOLVA_BINARY_DIR=${CMAKE_BINARY_DIR}")
+  # Where a test finds its fixtures and the programs it runs.
+  target_compile_definitions(${name} PRIVATE TOLVA_TEST_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+    TOLVA_TEST_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
 endfunction()
 
 # tolva_behaviour_cases(ROOT runner program): one CTest test per case folder (a folder holding `args` or `run.sh`).

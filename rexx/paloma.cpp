@@ -1,0 +1,100 @@
+// The public face of the interpreter: loading programs from files or memory, and their error reports.
+#include "rexx/paloma.h"
+
+#include <fstream>
+#include <iterator>
+
+#include "rexx/rx_parse.h"
+#include "rexx/rx_state.h"
+
+struct paloma_program {
+  rx_program prog;
+};
+
+void paloma_program_free::operator()(paloma_program* p) const { delete p; }
+
+namespace {
+
+std::string report(int number, int32_t line, int32_t column, const rx_program& prog, std::string_view detail) {
+  rx_report_place place;
+  place.number = number;
+  place.line = line;
+  place.column = column;
+  place.source = prog.source;
+  place.file = prog.name;
+  place.detail = detail;
+  return rx_format_report(place);
+}
+
+}  // namespace
+
+void paloma_init() { rx_init(); }
+
+paloma_load paloma_load_string(std::string_view text, std::string_view name) {
+  paloma_load out;
+  paloma_program_ptr holder(new paloma_program);
+  rx_program& prog = holder->prog;
+  prog.name = name;
+  prog.source = text;
+
+  // A run starts with every OPTION switch unset; the program's own OPTION clauses set them while it is lexed.
+  rx_st.sw = rx_switches{};
+  rx_lex_result lexed = rx_lex(prog.source, 0, false);
+  if (!lexed.ok) {
+    out.rc = -2;
+    out.error = lexed.error;
+    if (lexed.compiled)
+      out.message = "palom: " + prog.name + ": compiled program files are not supported yet.\n";
+    else
+      out.message = report(lexed.error, lexed.error_line, lexed.error_column, prog, {});
+    return out;
+  }
+  rx_settle_switches();
+  prog.tokens = std::move(lexed.tokens);
+  prog.last_line = lexed.last_line;
+
+  rx_parse_result parsed = rx_parse(prog, true);
+  if (parsed.error) {
+    out.rc = parsed.error;
+    out.error = parsed.error;
+    out.message = report(parsed.error, parsed.line, parsed.column, prog, parsed.detail);
+    return out;
+  }
+  out.program = std::move(holder);
+  return out;
+}
+
+paloma_load paloma_load_file(const std::string& path) {
+  paloma_load out;
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    out.rc = -1;
+    out.message = "palom: unable to open file \"" + path + "\"\n";
+    return out;
+  }
+  std::string text;
+  bool read_ok = true;
+  try {
+    text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());  // throws for a directory
+  } catch (const std::ios_base::failure&) {
+    read_ok = false;
+  }
+  if (!read_ok || in.bad()) {
+    out.rc = -1;
+    out.message = "palom: unable to read file \"" + path + "\"\n";
+    return out;
+  }
+  return paloma_load_string(text, path);
+}
+
+std::string paloma_dump_tree(const paloma_program& p) { return rx_dump_tree(p.prog); }
+
+std::string paloma_dump_tokens(const paloma_program& p) {
+  rx_switches saved = rx_st.sw;
+  rx_st.sw = rx_switches{};
+  rx_lex_result lexed = rx_lex(p.prog.source, 0, false);
+  rx_st.sw = saved;
+  return rx_token_trace(lexed.tokens);
+}
+
+const char* paloma_error_text(int n) { return rx_error_text(n); }

@@ -1,0 +1,39 @@
+// PALOMA, the REXX interpreter: the one header through which the editor, palom and the built-ins reach it.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+// A program read and parsed, ready to run; owns its source, tokens and tree.
+struct paloma_program;
+struct paloma_program_free {
+  void operator()(paloma_program* p) const;
+};
+using paloma_program_ptr = std::unique_ptr<paloma_program, paloma_program_free>;
+
+// Outcome of loading a program. rc: 0 parsed; -1 the file cannot be opened or read; -2 a lexical error (or a
+// compiled program file, whose reader is not available yet); otherwise the number of the syntax error.
+struct paloma_load {
+  int rc = 0;
+  int error = 0;                // the language's error number, 0 if none
+  std::string message;          // what the user is shown: the error report or the "palom: ..." line
+  paloma_program_ptr program;   // set when rc is 0
+};
+
+// Reset the interpreter's program-wide state (switches, current error).
+void paloma_init();
+
+// Read, lex and parse a program file; `name` in reports is the path as given.
+paloma_load paloma_load_file(const std::string& path);
+// Lex and parse a program held in memory; `name` is what reports call the file. The OPTION switches start
+// unset, as at the start of a run, and are settled once the text is lexed.
+paloma_load paloma_load_string(std::string_view text, std::string_view name);
+
+// The compact printed form of a loaded program's tree (statements, labels, line table).
+std::string paloma_dump_tree(const paloma_program& prog);
+// The token trace of a loaded program: its source lexed again, one "lex: type = ..." line per finished token.
+std::string paloma_dump_tokens(const paloma_program& prog);
+
+// The fixed text of error n (1 to 98), "" for unused numbers.
+const char* paloma_error_text(int n);

@@ -1,0 +1,2 @@
+do forever x
+end

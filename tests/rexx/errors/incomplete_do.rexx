@@ -1,0 +1,2 @@
+if a then do
+  say 1

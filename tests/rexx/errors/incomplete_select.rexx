@@ -1,0 +1,3 @@
+do
+  select
+    when a then nop

@@ -1,0 +1,1 @@
+iterate a + 1

@@ -1,0 +1,3 @@
+do forever
+  leave a b
+end

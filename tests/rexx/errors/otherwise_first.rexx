@@ -1,0 +1,3 @@
+select
+  otherwise nop
+end

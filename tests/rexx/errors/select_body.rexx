@@ -1,0 +1,1 @@
+select; say 1; end

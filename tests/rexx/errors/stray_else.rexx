@@ -1,0 +1,1 @@
+else say 1

@@ -1,0 +1,1 @@
+parse upper foo

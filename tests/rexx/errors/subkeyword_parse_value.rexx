@@ -1,0 +1,1 @@
+parse value with a

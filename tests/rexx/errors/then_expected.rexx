@@ -1,0 +1,2 @@
+if a b
+say 1

@@ -1,0 +1,3 @@
+say 1
+  /* open /* nested */
+say 2

@@ -1,0 +1,2 @@
+say 'abc
+say 1

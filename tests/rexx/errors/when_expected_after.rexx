@@ -1,0 +1,4 @@
+select
+  when a then nop
+  say 1
+end

@@ -1,0 +1,5 @@
+option lower
+Foo = Bar
+call Baz 1
+option upper
+sigl.x = 1

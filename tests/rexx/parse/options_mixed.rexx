@@ -1,0 +1,3 @@
+OPTION MIXED SETENV NOLOAD
+Foo = Bar.Baz
+Say Foo; f = MyFunc(1)
