@@ -243,14 +243,18 @@ int xfcm_autobin(const xf_cmd_call& c) {
   std::vector<unsigned char> bytes;
   for (std::size_t i = 1; i < w.size(); ++i) {
     const std::string& s = w[i];
-    long v = -1;
+    // A byte is decimal, 0x.. or x'..'.
+    std::string digits = s;
+    int base = 10;
+    if (s.size() > 3 && s[0] == 'x' && s[1] == '\'' && s.back() == '\'') {
+      digits = s.substr(2, s.size() - 3);
+      base = 16;
+    } else if (s.starts_with("0x")) {
+      digits = s.substr(2);
+      base = 16;
+    }
     char* end = nullptr;
-    if (s.size() > 3 && s[0] == 'x' && s[1] == '\'' && s.back() == '\'')
-      v = std::strtol(s.substr(2, s.size() - 3).c_str(), &end, 16);
-    else if (s.starts_with("0x"))
-      v = std::strtol(s.c_str() + 2, &end, 16);
-    else
-      v = std::strtol(s.c_str(), &end, 10);
+    long v = digits.empty() ? -1 : std::strtol(digits.c_str(), &end, base);
     if (!end || *end || v < 0 || v > 255) return bad_operands();
     bytes.push_back(static_cast<unsigned char>(v));
   }
