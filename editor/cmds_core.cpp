@@ -498,25 +498,3 @@ int xfcm_bottom(const xf_cmd_call&) {
   xf_current_line() = std::max(xf_ring.file->size - 1, xf_ring.lowest_line);
   return 1;
 }
-
-int xfcm_input(const xf_cmd_call& c) {
-  if (!xf_ring.file) return 1;
-  if (!xf_ring.file->read_write) {
-    xf_msg(118, XF_MSG_ERROR);
-    rc = 1;
-    return 1;
-  }
-  // The text begins one blank after the command word, so its leading blanks stay.
-  std::string_view text = operands(c.text);
-  xf_file& f = *xf_ring.file;
-  int32_t at = xf_current_line();
-  xf_text t = xf_new_text(text);
-  int32_t len = static_cast<int32_t>(text.size());
-  if (!f.keep_blanks) xf_strip_trailing(t, len, 1);
-  if (len == 0 && !f.keep_blanks) t = xf_new_text(" ", 1);
-  xf_do('i', std::move(t), at, 1, 1, nullptr, "xfcm_input:1");
-  xf_shift_positions(at, 1);
-  f.alt_save++;
-  xf_current_line() = at + 1;
-  return 1;
-}

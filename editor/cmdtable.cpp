@@ -76,6 +76,7 @@ void xf_cmd_init() {
     e.is_setting = r.is_setting;
     e.is_query = r.is_query;
     e.handler = r.handler;
+    e.trace_tag = r.trace_tag;
     tables.entries.push_back(e);
     if (e.is_setting) tables.set_entries.push_back(e);
   }

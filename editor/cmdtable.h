@@ -23,6 +23,7 @@ struct xf_cmd_row {
   int32_t is_setting;
   int32_t is_query;
   xf_handler handler;
+  const char* trace_tag;  // "Commande " and the handler's name, traced before the handler runs
 };
 
 struct xf_cmd_entry {
@@ -32,6 +33,7 @@ struct xf_cmd_entry {
   int32_t is_setting = 0;
   int32_t is_query = 0;
   xf_handler handler = nullptr;
+  const char* trace_tag = "";
 };
 
 constexpr int xf_cmd_count = 365;

@@ -6,12 +6,14 @@
 #include <csignal>
 
 #include "editor/cmdtable.h"
+#include "editor/journal.h"
+#include "editor/linecmds.h"
 #include "editor/macros.h"
 #include "editor/messages.h"
 #include "editor/ring.h"
 #include "editor/state.h"
+#include "editor/target.h"
 #include "editor/trace.h"
-#include "editor/targets.h"
 
 xf_cmd_state xf_cmd;
 
@@ -81,15 +83,6 @@ void goto_number(std::string_view text, std::string_view work_dir) {
   }
   while (i < text.size() && text[i] == ' ') ++i;
   if (i < text.size()) xfcom2(text.substr(i), work_dir);
-}
-
-bool is_implied_target(std::string_view s) {
-  if (s.empty()) return false;
-  char c = s[0];
-  if (starts_with(s, 0, "-\\")) return false;
-  if (is_digit(c) || c == '+' || c == '-' || c == ':' || c == '*' || c == '/') return true;
-  if (s.size() >= 2 && (c == '.' || starts_with(s, 0, "~/"))) return true;
-  return false;
 }
 
 #ifdef TOLVA_TEST_HOOKS
@@ -303,14 +296,19 @@ int32_t xfcom2(std::string_view com_in, std::string_view work_dir) {
       goto_number(typed, work_dir);
       return finish();
     }
-    if (is_implied_target(typed)) {
-      if (xf_ring.file) xf_implied_locate(typed);
+    if (xf_is_implied_target(typed)) {
+      // With ARBchar ON $ the target is read as entered, before "$" words were replaced.
+      std::string raw = com.substr(std::min(com.find_first_not_of(' '), com.size()));
+      if (xf_ring.file) xf_implied_locate(xf_search.arb_on && xf_search.arb == '$' ? raw : typed, work_dir);
       return finish();
     }
     const auto& entries = xf_cmd_entries();
     for (int i = 0; i < xf_cmd_special; ++i) {
       xf_cmd_call call{com, lcom, typed, xf_lower(typed), work_dir, entries[i].name, entries[i].min_len};
-      if (entries[i].handler(call)) return finish();
+      if (entries[i].handler(call)) {
+        xf_trace(entries[i].trace_tag);
+        return finish();
+      }
     }
     std::string lname = ltext.substr(0, ltext.find(' '));
     int32_t row = xf_cmd_lookup(lname);
@@ -318,7 +316,7 @@ int32_t xfcom2(std::string_view com_in, std::string_view work_dir) {
       const xf_cmd_entry& e = entries[row];
       xf_cmd_call call{com, lcom, text, ltext, work_dir, std::string_view(e.name).substr(0, lname.size()),
                        e.min_len};
-      xf_trace("xfcom2: command");
+      xf_trace(e.trace_tag);
       e.handler(call);
       return finish();
     }
@@ -341,6 +339,8 @@ int32_t xfcom2(std::string_view com_in, std::string_view work_dir) {
 }
 
 bool xfcom(std::string_view work_dir) {
+  // Each command taken here is one unit of work: its changes make one undo step.
+  xf_new_step();
   if (!xf_run.stacked.empty()) {
     std::string cmd = std::move(xf_run.stacked.front());
     xf_run.stacked.pop_front();
@@ -359,6 +359,7 @@ bool xfcom(std::string_view work_dir) {
 
 void xf_cmd_reset() {
   xf_cmd = xf_cmd_state{};
+  // The command families built on the processor start clean with it.
   xf_synonym quit;
   quit.name = "quit";
   quit.min_len = 4;

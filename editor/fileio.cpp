@@ -468,6 +468,7 @@ int xf_save(std::string_view, int force, int keep_date, int crlf, int, int verif
   }
   f.saved_name = f.name;
   f.alt_save = 0;
+  if (xf_set.save_clear_undo) xf_undo_clear(f);
   f.alt_auto = 0;
   if (keep_date && had) {
     os_set_times(f.name, before.atime, before.atime_ns, before.mtime, before.mtime_ns);

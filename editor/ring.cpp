@@ -81,6 +81,27 @@ void points_after_delete(xf_file& f, int32_t line, int32_t n) {
   }
 }
 
+// Opens the journal record of an xf_do with mode 1 (a user change) or 2 (a redo). The record belongs to the
+// step that `step_start` says; a user change that opens a step ends what could be redone.
+xf_jrecord& journal_open(xf_file& f, char cd, int32_t line, int32_t count, int mode) {
+  xf_journal& j = f.journal;
+  if (mode == 1 && f.step_start == 1 && !j.redo.empty()) std::vector<xf_jrecord>().swap(j.redo);
+  xf_jrecord& r = j.undo.emplace_back();
+  r.step = f.step_start;
+  r.line = line;
+  r.cd = cd;
+  r.count = count;
+  if (mode == 1) {
+    if (xf_ring.read_view >= 0) {
+      r.place[0] = xf_ring.read_view;
+      r.place[1] = xf_ring.read_line + 1;
+      r.place[2] = xf_ring.read_column;
+    }
+    f.step_start = 0;
+  }
+  return r;
+}
+
 }  // namespace
 
 xf_text xf_new_text(const char* p, std::size_t n) {
@@ -134,14 +155,19 @@ void xf_do(char cd, xf_text text, int32_t line, int32_t count, int mode, std::ve
            const char* tag) {
   xf_trace(tag);
   xf_file& f = cur();
+  if (cd != 'r' && cd != 'i' && cd != 'I' && cd != 'd' && cd != 'D') {
+    std::fprintf(stderr, "tolva: xf_do: internal error, wrong argument: cd = %c\n", cd);
+    return;
+  }
   if (mode == 1 && (cd == 'I' || cd == 'D') && count == 0) return;
   if (mode == 1 && f.alt_save < 0) f.alt_save = 0;
-  // The undo journal records changes here once it exists; until then old texts are simply released.
+  xf_jrecord* rec = mode == 1 || mode == 2 ? &journal_open(f, cd, line, count, mode) : nullptr;
   if (f.syntax_state != 0) f.syntax_state = -1;
   switch (cd) {
     case 'r': {
       int32_t len = static_cast<int32_t>(std::strlen(text.get()));
       if (mode == 1) apply_file_rules(f, text, len);
+      if (rec) rec->text = std::move(f.text[line]);
       f.text[line] = std::move(text);
       f.len[line] = len;
       break;
@@ -172,19 +198,28 @@ void xf_do(char cd, xf_text text, int32_t line, int32_t count, int mode, std::ve
       break;
     }
     case 'd':
+      if (rec) {
+        rec->text = std::move(f.text[line]);
+        rec->levels.assign(1, f.select[line]);
+      }
       erase_rows(f, line, 1);
       points_after_delete(f, line, 1);
       break;
     case 'D':
+      if (rec) {
+        rec->texts.reserve(count);
+        for (int32_t k = 0; k < count; ++k) rec->texts.push_back(std::move(f.text[line + k]));
+        rec->levels.assign(f.select.begin() + line, f.select.begin() + line + count);
+      }
       erase_rows(f, line, count);
       points_after_delete(f, line, count);
       break;
-    default:
-      std::fprintf(stderr, "tolva: xf_do: internal error, wrong argument: cd = %c\n", cd);
-      return;
   }
   limit_current_lines(xf_ring.file_no);
 }
+
+void xf_undo_clear(xf_file& f) { std::vector<xf_jrecord>().swap(f.journal.undo); }
+void xf_redo_clear(xf_file& f) { std::vector<xf_jrecord>().swap(f.journal.redo); }
 
 void xf_shift_positions(int32_t line, int32_t n) {
   xf_view& v = *xf_ring.view;

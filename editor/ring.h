@@ -25,6 +25,25 @@ struct xf_point {
   int32_t line;
 };
 
+// One record of the undo journal: an xf_do operation and what its inverse needs. The texts are the very
+// buffers that left the file; they go back to it on undo, so no text is ever copied for the journal.
+struct xf_jrecord {
+  int32_t step = 0;  // 1: the record opens a step
+  int32_t line = 0;
+  char cd = 0;  // r i I d D
+  int32_t mark = 0;
+  int32_t count = 0;
+  xf_text text;                   // r, d: the text that left the file
+  std::vector<xf_text> texts;     // D: the texts that left the file
+  std::vector<int32_t> levels;    // selection levels of the lines that left, so that they come back with them
+  int32_t place[3] = {-1, 0, 0};  // the cursor when the change was made: view (-1 none), line + 1, column
+};
+
+// The per-file undo and redo stacks, newest record last.
+struct xf_journal {
+  std::vector<xf_jrecord> undo, redo;
+};
+
 // One file of the ring. The line store is parallel arrays indexed by 0-based line number: text, len, select,
 // each `capacity` long; rows from `size` up are empty.
 struct xf_file {
@@ -36,6 +55,7 @@ struct xf_file {
   std::vector<int32_t> len;
   std::vector<int32_t> select;
   int32_t step_start = 1;
+  xf_journal journal;
   xf_cursor cursor;
   std::string name;        // full path
   std::string saved_name;  // the name it was last written under
@@ -106,6 +126,9 @@ struct xf_ring_state {
   int32_t lowest_line = -1;  // -1 with the top-of-file line, 0 under MODE TOPLINE 1
   int32_t next_file_id = 0;
   int32_t initial_capacity = 1000;
+  // The cursor as last read from the screen, when it stood in a file's text: view (-1: nowhere), 0-based
+  // line and 0-based column. Searches start from it and the journal notes it.
+  int32_t read_view = -1, read_line = 0, read_column = 0;
 };
 extern xf_ring_state xf_ring;
 
@@ -128,6 +151,10 @@ void xfdup(int32_t line, int32_t n);
 void xfadd(int32_t line, int32_t n, bool cursor);
 void xfddel1(int32_t line, int32_t column, int32_t end_column);
 void xf_strip_trailing(xf_text& t, int32_t& len, int32_t keep);
+
+// The journal: free a file's undo stack (as a save does under SAVEClearundo ON), or its redo stack.
+void xf_undo_clear(xf_file& f);
+void xf_redo_clear(xf_file& f);
 
 // Scope.
 bool xf_in_scope(int32_t line);

@@ -5,7 +5,9 @@
 #include "editor/filetype.h"
 #include "editor/macros.h"
 #include "editor/messages.h"
+#include "editor/linecmds.h"
 #include "editor/ring.h"
+#include "editor/target.h"
 
 xf_run_state xf_run;
 xf_settings xf_set;
@@ -19,5 +21,7 @@ void xf_state_reset() {
   xf_ft_reset();
   xf_macro_reset();
   xf_cmd_reset();
+  xf_target_reset();
+  xf_linecmd_reset();
   xf_msgs = xf_msg_state{};
 }
