@@ -1,7 +1,8 @@
-// palom: the stand-alone REXX runner. For now it lexes and parses a program and reports its syntax errors.
+// palom: the stand-alone REXX runner: loads a program, runs it with its arguments, exits with its return code.
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "rexx/paloma.h"
 
@@ -9,11 +10,12 @@ namespace {
 
 const char usage[] =
     "usage: palom [-dump-tree | -dump-tokens] FILE [ARGS...]\n"
-    "  Reads the REXX program FILE, lexes and parses it, and reports syntax errors.\n"
-    "  -dump-tree    print the parsed program tree (one statement a line) on standard output\n"
-    "  -dump-tokens  print the lexer's finished tokens on standard output\n"
-    "Exit status: 0 when the program parses; the error number for a syntax error; 254 for a lexical error;\n"
-    "255 when FILE cannot be read.\n";
+    "  Runs the REXX program FILE; ARGS, joined by blanks, are its one argument.\n"
+    "  -dump-tree    print the parsed program tree (one statement a line) instead of running it\n"
+    "  -dump-tokens  print the lexer's finished tokens instead of running it\n"
+    "Exit status: the program's EXIT code modulo 256 (0 at its end); the error number of a syntax or run-time\n"
+    "error; 253 when the program uses something not available yet; 252 when memory runs out; 254 for a lexical\n"
+    "error; 255 when FILE cannot be read.\n";
 
 void write_out(std::FILE* f, const std::string& s) { std::fwrite(s.data(), 1, s.size(), f); }
 
@@ -45,5 +47,18 @@ int main(int argc, char** argv) {
   }
   if (dump_tokens) write_out(stdout, paloma_dump_tokens(*loaded.program));
   if (dump_tree) write_out(stdout, paloma_dump_tree(*loaded.program));
-  return 0;
+  if (dump_tokens || dump_tree) return 0;
+
+  // The words behind FILE are one argument, as a shell user typed them; none gives no argument.
+  std::vector<std::string> args;
+  if (arg + 1 < argc) {
+    std::string joined;
+    for (int i = arg + 1; i < argc; ++i) {
+      if (i > arg + 1) joined += ' ';
+      joined += argv[i];
+    }
+    args.push_back(joined);
+  }
+  paloma_outcome out = paloma_run(*loaded.program, args, paloma_source_text(path));
+  return out.rc & 0xFF;
 }

@@ -3,7 +3,9 @@
 
 #include <fstream>
 #include <iterator>
+#include <new>
 
+#include "rexx/rx_exec.h"
 #include "rexx/rx_parse.h"
 #include "rexx/rx_state.h"
 
@@ -98,3 +100,46 @@ std::string paloma_dump_tokens(const paloma_program& p) {
 }
 
 const char* paloma_error_text(int n) { return rx_error_text(n); }
+
+paloma_outcome paloma_run(const paloma_program& p, const std::vector<std::string>& args, std::string_view source) {
+  paloma_outcome out;
+  rx_run run;
+  run.prog = &p.prog;
+  run.source_desc = source;
+  run.main_pool = std::make_unique<rx_pool>();
+  rx_proc main;
+  main.pool = run.main_pool.get();
+  for (const std::string& a : args) main.args.push_back(rx_arg{a, false});
+  run.proc = &main;
+  try {
+    rx_execute(run);
+    out.rc = run.pending == RX_PEND_EXIT ? run.exit_code : 0;
+    out.has_result = run.has_result;
+    out.result = run.result;
+  } catch (const rx_error_exit& e) {
+    rx_report_out(report(e.number, rx_st.error.line, rx_st.error.column, p.prog, rx_st.error.detail));
+    out.rc = e.number;
+  } catch (const rx_unavailable& u) {
+    rx_report_out("palom: " + u.what + " not available yet.\n");
+    out.rc = -3;
+  } catch (const std::bad_alloc&) {
+    rx_report_out("palom: out of memory; the run is ended.\n");
+    out.rc = -4;
+  } catch (const std::length_error&) {
+    rx_report_out("palom: out of memory; the run is ended.\n");
+    out.rc = -4;
+  }
+  rx_output_flush();
+  return out;
+}
+
+std::string paloma_source_text(std::string_view path) {
+  std::size_t slash = path.rfind('/');
+  std::string_view dir = slash == std::string_view::npos ? std::string_view() : path.substr(0, slash + 1);
+  std::string_view file = slash == std::string_view::npos ? path : path.substr(slash + 1);
+  std::size_t dot = file.rfind('.');
+  std::string_view base = dot == std::string_view::npos || dot == 0 ? file : file.substr(0, dot);
+  std::string_view ext = dot == std::string_view::npos || dot == 0 ? std::string_view() : file.substr(dot);
+  auto item = [](std::string_view s) { return s.empty() ? std::string("\"\"") : std::string(s); };
+  return "LINUX COMMAND " + item(base) + " " + item(ext) + " " + item(dir) + " " + item(base);
+}

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // A program read and parsed, ready to run; owns its source, tokens and tree.
 struct paloma_program;
@@ -29,6 +30,20 @@ paloma_load paloma_load_file(const std::string& path);
 // Lex and parse a program held in memory; `name` is what reports call the file. The OPTION switches start
 // unset, as at the start of a run, and are settled once the text is lexed.
 paloma_load paloma_load_string(std::string_view text, std::string_view name);
+
+// Outcome of a run. rc: EXIT's code, 0 at the end of the program, the error number of a run-time error, -3 when
+// the program used something not available yet, -4 when memory ran out.
+struct paloma_outcome {
+  int rc = 0;
+  bool has_result = false;  // EXIT gave a value
+  std::string result;       // its text
+};
+
+// Run a loaded program with its arguments. SAY writes to standard output, reports go to standard error; the queue
+// and standard input feed PULL. `source` is what PARSE SOURCE gives.
+paloma_outcome paloma_run(const paloma_program& prog, const std::vector<std::string>& args, std::string_view source);
+// The PARSE SOURCE text of a program run from the command line: "LINUX COMMAND name .ext dir/ called".
+std::string paloma_source_text(std::string_view path);
 
 // The compact printed form of a loaded program's tree (statements, labels, line table).
 std::string paloma_dump_tree(const paloma_program& prog);

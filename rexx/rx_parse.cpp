@@ -334,7 +334,16 @@ class parser {
 
   // ---- clauses ----
 
+  // A clause; its statement (the last one made, since a block's statements are made before it) records the
+  // column of the clause's first token, where run-time reports of the statement point.
   void parse_clause() {
+    std::size_t before = p_.stmts.size();
+    int32_t column = peek() == end_mark ? 0 : tok().column;
+    parse_clause_body();
+    if (p_.stmts.size() > before) p_.stmts.back().column = column;
+  }
+
+  void parse_clause_body() {
     depth_guard guard(*this);
     int32_t k = peek();
     int32_t k1 = kind_ahead(1);

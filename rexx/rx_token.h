@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "rexx/rx_value.h"
+
 // Token kinds. A single-character token has its byte as kind; named kinds start at 258. These numbers are also
 // stored in compiled program files, so they never change.
 enum rx_kind : int32_t {
@@ -32,6 +34,7 @@ std::string rx_kind_name(int32_t kind);
 
 struct rx_node;
 struct rx_fx;
+struct rx_var;
 
 // A token, or a node of an expression. `value` is the text (has_value false for punctuation); for a symbol with a
 // dot, `stem_key` is the text before the first dot plus "+", and `parts` its pieces between dots.
@@ -45,6 +48,12 @@ struct rx_node {
   int32_t quoted = 0;            // 1 quoted string, 2 indirect name in a name list, else 0
   rx_fx* expr = nullptr;         // operator record of an expression node
   rx_node* next = nullptr;       // link of argument lists, name lists and templates
+  // Run-time caches, filled on first use: the hash of a simple symbol's name; the value of a string constant.
+  mutable uint64_t hash = 0;
+  mutable uint64_t slot_pool = 0;  // a simple symbol's slot in the pool of that id (slots live as long as pools)
+  mutable rx_var* slot = nullptr;
+  mutable rx_value cval;
+  mutable bool cval_ready = false;
 
   std::size_t len() const { return value.size(); }
 };

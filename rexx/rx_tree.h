@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -75,6 +76,7 @@ extern rx_node rx_open_end;
 struct rx_stmt {
   int32_t kind = 0;
   int32_t line = 0;
+  int32_t column = 0;  // of the clause's first token
   int32_t form = 0;
   int32_t upper = 0;
   rx_node* expr = nullptr;
@@ -98,6 +100,8 @@ struct rx_stmt {
   int32_t end_line = 0;
   std::string name;
   bool has_name = false;
+  // What the engine prepares once for a statement (a PARSE template's elements), owned with the tree.
+  mutable std::shared_ptr<const void> prepared;
 };
 
 // The label table: 128 buckets, each a chain of entries in the order labels were entered.

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# The same REXX programs run by palom and by the installed peer interpreter (rexx), with times and their ratio.
+# Usage: bench/rexx/run.sh [PALOM]   (default: build-rexx/app/palom under the source tree)
+set -eu
+here=$(cd "$(dirname "$0")" && pwd)
+palom=${1:-${PALOM_BIN:-$here/../../build-rexx/app/palom}}
+peer=$(command -v rexx || true)
+[ -x "$palom" ] || { echo "palom not found at $palom (build the palom target first)"; exit 1; }
+[ -n "$peer" ] || echo "note: no peer interpreter 'rexx' on PATH; palom's times are shown alone"
+
+# Elapsed seconds of one run, its output discarded.
+seconds() {
+  local start end
+  start=$(date +%s.%N)
+  "$@" >/dev/null
+  end=$(date +%s.%N)
+  awk -v s="$start" -v e="$end" 'BEGIN { printf "%.3f", e - s }'
+}
+
+printf '%-14s %10s %10s %8s\n' program palom rexx ratio
+for prog in int_loop string_build parse_lines stem_tails; do
+  file=$here/$prog.rexx
+  p=$(seconds "$palom" "$file")
+  if [ -n "$peer" ]; then
+    r=$(seconds "$peer" "$file")
+    awk -v n="$prog" -v p="$p" -v r="$r" 'BEGIN { printf "%-14s %9.3fs %9.3fs %8.2f\n", n, p, r, (r > 0 ? p / r : 0) }'
+  else
+    printf '%-14s %9.3fs %10s %8s\n' "$prog" "$p" - -
+  fi
+done
+echo "ratio = palom time / rexx time (below 1: palom is faster)"

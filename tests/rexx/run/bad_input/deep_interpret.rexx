@@ -1,0 +1,2 @@
+s = 'interpret s'
+interpret s

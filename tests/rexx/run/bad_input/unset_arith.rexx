@@ -1,0 +1,1 @@
+say unset8 + 1

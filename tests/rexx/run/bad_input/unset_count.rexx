@@ -1,0 +1,1 @@
+do unset9; end

@@ -1,0 +1,1 @@
+if unset10 then nop

@@ -1,0 +1,1 @@
+call nosuch 1

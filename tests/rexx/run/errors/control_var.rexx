@@ -1,0 +1,1 @@
+do i = 1 to 3; i = 'x'; end

@@ -1,0 +1,2 @@
+numeric fuzz 3
+numeric digits 2

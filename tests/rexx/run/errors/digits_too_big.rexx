@@ -1,0 +1,1 @@
+numeric digits 16

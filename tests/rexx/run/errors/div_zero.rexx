@@ -1,0 +1,3 @@
+/* zero divide */
+say 'before'
+say 5 / 0

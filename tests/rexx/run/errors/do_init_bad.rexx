@@ -1,0 +1,1 @@
+do i = 'a' to 3; end

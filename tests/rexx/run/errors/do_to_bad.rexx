@@ -1,0 +1,1 @@
+do i = 1 to 'a'; end

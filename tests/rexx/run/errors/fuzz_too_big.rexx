@@ -1,0 +1,1 @@
+numeric fuzz 9

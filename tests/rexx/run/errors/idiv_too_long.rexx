@@ -1,0 +1,2 @@
+numeric digits 3
+say 10000 % 3

@@ -1,0 +1,3 @@
+call sub
+exit
+sub: return

@@ -1,0 +1,2 @@
+say 'a'
+  interpret 'nop; leave'

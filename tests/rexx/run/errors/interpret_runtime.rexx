@@ -1,0 +1,1 @@
+interpret 'say 1 / 0'

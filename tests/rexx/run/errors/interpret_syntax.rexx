@@ -1,0 +1,2 @@
+say 'before'
+interpret 'x = 1 +'

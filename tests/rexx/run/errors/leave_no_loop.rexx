@@ -1,0 +1,2 @@
+say 'a'
+  leave

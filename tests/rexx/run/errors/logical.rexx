@@ -1,0 +1,1 @@
+if 0.5 then say 'x'

@@ -1,0 +1,2 @@
+n = 1.5
+parse value 'abc' with a +(n) b

@@ -1,0 +1,1 @@
+parse pull a, b

@@ -1,0 +1,3 @@
+say 'r'
+return 4
+say 'not shown'

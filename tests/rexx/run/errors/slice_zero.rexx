@@ -1,0 +1,2 @@
+s = 'abcdef'
+say s[0]

@@ -1,0 +1,1 @@
+parse value 'abc' with a +x b

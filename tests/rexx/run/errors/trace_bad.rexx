@@ -1,0 +1,2 @@
+trace o; trace; trace 'n'
+trace z

@@ -1,0 +1,1 @@
+do until 2; end

@@ -1,0 +1,3 @@
+option mixed
+abc = 1; ABC = 2; say abc ABC
+say Abc
