@@ -47,6 +47,9 @@ inline constexpr unsigned FSH_MOUSE = 2;       // delivers mouse events
 inline constexpr unsigned FSH_OWN_REPEAT = 4;  // the device repeats keys itself: the library's repeat waits are skipped
 inline constexpr unsigned FSH_POPUP = 8;       // can show a popup menu
 
+// Event code of a paste of text with line ends (a terminal's bracketed paste); the text is taken with take_paste.
+inline constexpr uint16_t FSH_PASTE = 32840;
+
 class fs_host {
  public:
   virtual ~fs_host() = default;
@@ -78,4 +81,6 @@ class fs_host {
   virtual int popup(std::span<const std::string> labels, int line, int col) = 0;
   // Hides or shows the display.
   virtual void show(bool visible) = 0;
+  // The text of the last FSH_PASTE event, lines ended by LF; empty once taken, and on hosts that have no paste.
+  virtual std::string take_paste() { return {}; }
 };
