@@ -54,6 +54,7 @@ struct line_builder {
       xf_grow(grow_by);
       if (grow_by < 100000000) grow_by = std::min<int64_t>(static_cast<int64_t>(grow_by) * 2, 100000000);
     }
+    xf_reserve_rows(f, f.size + 1);
     if (strip_cr && n > 0 && p[n - 1] == '\r') {
       while (n > 0 && p[n - 1] == '\r') --n;
       any_cr = true;
@@ -349,6 +350,7 @@ int xf_open(std::string_view name_in, std::string_view work_dir, bool no_alterna
   } else {
     f.eol_unix = f.binary ? 1 : xf_set.new_file_eol;
     if (xf_ring.lowest_line == 0) {
+      xf_reserve_rows(f, 1);
       f.text[0] = xf_new_text("", 0);
       f.len[0] = 0;
       f.size = 1;

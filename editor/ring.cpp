@@ -48,6 +48,7 @@ int32_t current_view_display_low() { return xf_ring.view ? xf_ring.view->display
 void insert_rows(xf_file& f, int32_t at, int32_t n) {
   // xf_do works on the current file, which is the one xf_grow enlarges.
   if (f.size + static_cast<int64_t>(n) > f.capacity) xf_grow(n == 1 ? 1000 : n + 1000);
+  xf_reserve_rows(f, f.size + n);
   std::move_backward(f.text.begin() + at, f.text.begin() + f.size, f.text.begin() + f.size + n);
   std::move_backward(f.len.begin() + at, f.len.begin() + f.size, f.len.begin() + f.size + n);
   std::move_backward(f.select.begin() + at, f.select.begin() + f.size, f.select.begin() + f.size + n);
@@ -137,6 +138,8 @@ void xf_set_file(int32_t i) {
 }
 
 void xf_grow(int32_t n) {
+  // `capacity` is the number of rows the file may hold before it must grow again; the arrays themselves follow
+  // the rows actually used (xf_reserve_rows), so a generous capacity costs no memory.
   xf_file& f = cur();
   int64_t room = static_cast<int64_t>(max_rows) - f.capacity;
   if (n > room) n = static_cast<int32_t>(room);
@@ -144,11 +147,14 @@ void xf_grow(int32_t n) {
     xf_out_of_memory(0, 1);
     return;
   }
-  int32_t cap = f.capacity + n;
-  f.text.resize(cap);
-  f.len.resize(cap, 0);
-  f.select.resize(cap, 0);
-  f.capacity = cap;
+  f.capacity += n;
+}
+
+void xf_reserve_rows(xf_file& f, int32_t rows) {
+  if (static_cast<int64_t>(f.text.size()) >= rows) return;
+  f.text.resize(rows);
+  f.len.resize(rows, 0);
+  f.select.resize(rows, 0);
 }
 
 void xf_do(char cd, xf_text text, int32_t line, int32_t count, int mode, std::vector<xf_text>* lines,
@@ -434,9 +440,6 @@ int32_t xf_new_file() {
   }
   xf_file& nf = *xf_ring.files[idx];
   int32_t cap = std::max<int32_t>(xf_ring.initial_capacity, 1);
-  nf.text.resize(cap);
-  nf.len.assign(cap, 0);
-  nf.select.assign(cap, 0);
   nf.capacity = cap;
   if (xf_ring.view) xf_set_file(idx);
   return idx;

@@ -144,6 +144,8 @@ void xf_set_file(int32_t i);
 void xf_do(char cd, xf_text text, int32_t line, int32_t count, int mode, std::vector<xf_text>* lines,
            const char* tag);
 void xf_grow(int32_t n);
+// Makes the line arrays of `f` at least `rows` long (rows past `size` are empty).
+void xf_reserve_rows(xf_file& f, int32_t rows);
 void xf_shift_positions(int32_t line, int32_t n);
 void xf_drop_positions(int32_t line, int32_t n, int32_t keep);
 void xfdel(int32_t line, int32_t n);
