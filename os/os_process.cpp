@@ -1,10 +1,13 @@
-// Running programs through posix_spawn with inherited stdio, and waiting for them.
+// Running programs through posix_spawn (inherited stdio, or output captured through a pipe), and the environment.
 #include "os/os_process.h"
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 extern char** environ;
 
@@ -57,3 +60,43 @@ int os_run(const std::vector<std::string>& argv) {
 }
 
 int os_run_shell(std::string_view text) { return os_run({"/bin/sh", "-c", std::string(text)}); }
+
+int os_run_capture(std::string_view text, std::string& out, std::size_t limit, bool* truncated) {
+  if (truncated) *truncated = false;
+  int fds[2];
+  if (::pipe2(fds, O_CLOEXEC) != 0) return -errno;
+  posix_spawn_file_actions_t acts;
+  ::posix_spawn_file_actions_init(&acts);
+  ::posix_spawn_file_actions_adddup2(&acts, fds[1], 1);
+  ::posix_spawn_file_actions_adddup2(&acts, fds[1], 2);
+  std::string cmd(text);
+  char sh[] = "/bin/sh", dash_c[] = "-c";
+  char* args[] = {sh, dash_c, cmd.data(), nullptr};
+  spawn_attrs attrs;
+  pid_t pid = 0;
+  int rc = ::posix_spawn(&pid, sh, &acts, attrs.get(), args, environ);
+  ::posix_spawn_file_actions_destroy(&acts);
+  ::close(fds[1]);
+  if (rc != 0) {
+    ::close(fds[0]);
+    return -rc;
+  }
+  char buf[65536];
+  for (;;) {
+    ssize_t n = ::read(fds[0], buf, sizeof buf);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) break;
+    std::size_t room = out.size() < limit ? limit - out.size() : 0;
+    std::size_t take = static_cast<std::size_t>(n) < room ? static_cast<std::size_t>(n) : room;
+    out.append(buf, take);
+    if (take < static_cast<std::size_t>(n) && truncated) *truncated = true;
+  }
+  ::close(fds[0]);
+  return wait_for(pid);
+}
+
+int os_set_env(std::string_view name, std::string_view value) {
+  return ::setenv(std::string(name).c_str(), std::string(value).c_str(), 1) == 0 ? 0 : errno;
+}
+
+int os_unset_env(std::string_view name) { return ::unsetenv(std::string(name).c_str()) == 0 ? 0 : errno; }

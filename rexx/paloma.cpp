@@ -117,7 +117,8 @@ paloma_outcome paloma_run(const paloma_program& p, const std::vector<std::string
     out.has_result = run.has_result;
     out.result = run.result;
   } catch (const rx_error_exit& e) {
-    rx_report_out(report(e.number, rx_st.error.line, rx_st.error.column, p.prog, rx_st.error.detail));
+    const rx_program& where = run.err_prog ? *run.err_prog : p.prog;
+    rx_report_out(report(e.number, rx_st.error.line, rx_st.error.column, where, rx_st.error.detail));
     out.rc = e.number;
   } catch (const rx_unavailable& u) {
     rx_report_out("palom: " + u.what + " not available yet.\n");

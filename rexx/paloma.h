@@ -50,5 +50,11 @@ std::string paloma_dump_tree(const paloma_program& prog);
 // The token trace of a loaded program: its source lexed again, one "lex: type = ..." line per finished token.
 std::string paloma_dump_tokens(const paloma_program& prog);
 
+// An ADDRESS environment of a host: the handler runs one command and returns its result, which becomes RC.
+// A row of the same name is replaced; a null handler removes the row. make_current makes it the environment
+// that runs start in.
+using paloma_env_handler = int (*)(std::string_view command, void* user);
+void paloma_register_environment(std::string_view name, paloma_env_handler handler, bool make_current, void* user);
+
 // The fixed text of error n (1 to 98), "" for unused numbers.
 const char* paloma_error_text(int n);

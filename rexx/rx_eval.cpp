@@ -22,6 +22,15 @@ const rx_value& constant(const rx_node* n) {
   return n->cval;
 }
 
+// A compound symbol whose tail is made of digits alone (a.123): NOVALUE never fires for it.
+bool constant_tail(std::string_view name) {
+  std::size_t dot = name.find('.');
+  if (dot == std::string_view::npos || dot + 1 == name.size()) return false;
+  for (char c : name.substr(dot + 1))
+    if (c != '.' && (c < '0' || c > '9')) return false;
+  return true;
+}
+
 const rx_value& symbol_value(const rx_node* n, rx_value& tmp) {
   // The common case first: a simple variable whose slot in this pool the token remembers, holding a value.
   // (Names that may not be used never get a slot with a value, so the checks below cannot be skipped wrongly.)
@@ -33,7 +42,22 @@ const rx_value& symbol_value(const rx_node* n, rx_value& tmp) {
   rx_var_ctx c = rx_ctx();
   if (const rx_value* v = rx_get(c, *n)) return *v;
   tmp.set_text(rx_default_text(c, *n));
+  if (rx_st.run->proc->cond[RX_C_NOVALUE] > 0 && !constant_tail(n->value)) rx_novalue(tmp.text);
   return tmp;
+}
+
+bool tracing_i() { return (rx_st.run->proc->trace & 0x04) && rx_tracing(0x04); }
+
+std::string shown(const rx_value& v, const rx_node* at) {
+  std::string buf;
+  return std::string(rx_text_of(v, buf, at));
+}
+
+// >V> for a variable, with >C> first when the compound name differs from the symbol.
+void trace_symbol(const rx_node* n, const rx_value& v) {
+  std::string name = rx_default_text(rx_ctx(), *n);
+  if (!n->parts.empty() && name != n->value) rx_trace_detail(">C> " + n->value + " --> \"" + name + "\"");
+  rx_trace_detail(">V> " + name + " --> \"" + shown(v, n) + "\"");
 }
 
 // The count of integer digits that the size tests of % and // use: ceil(log10(|q|)), 1 for 0.
@@ -267,8 +291,11 @@ op_status unary(rx_op op, const rx_value& a, rx_value& out, const rx_node* at) {
       out.set_number(static_cast<double>(rx_text_of(a, b, at).size()), 0);
       return {};
     }
-    case rx_op::fx_backq:
-      throw rx_unavailable{"backquote commands"};
+    case rx_op::fx_backq: {
+      std::string b;
+      out.set_text(rx_backquote(rx_text_of(a, b, at), at));
+      return {};
+    }
     default:
       return {};
   }
@@ -332,20 +359,24 @@ const rx_value& subscript(const rx_node* n, rx_value& tmp) {
     if (from < text.size()) out.assign(text.substr(from, count));
     out.resize(count, ' ');
   }
+  if (tracing_i())
+    rx_trace_detail(">O> \"" + std::string(text) + "\"[" + rx_printf_number("%.0f", i) + ":" + rx_printf_number("%.0f", j) +
+                    "] --> \"" + out + "\"");
   tmp.set_text(out);
   return tmp;
 }
 
-// Function calls: internal routines and built-ins come with the routine and built-in work; the search's failure
-// is honest here already.
-const rx_value& call(const rx_node* n, rx_value&) {
-  const rx_node* name = n->expr->name_node;
-  const std::string& s = name->value;
-  bool label_search = name->type == SYMBOL || (!s.empty() && (s[0] == '.' || s[0] == '/' || s[0] == '~')) ||
-                      (s.size() >= 2 && s[1] == ':');
-  if (label_search && rx_st.run->prog->labels.find(s)) throw rx_unavailable{"calls of internal routines"};
-  rx_output("\npalom: \"" + s + "\" routine not found.\n");
-  rx_raise(43, n);
+// A function call: the routine search; a routine that returns nothing is error 44 here.
+const rx_value& call(const rx_node* n, rx_value& tmp) {
+  const rx_fx* fx = n->expr;
+  bool has = rx_call_routine(fx->name_node, fx->args, tmp);
+  if (rx_st.run->pending == RX_PEND_EXIT) throw rx_exit_jump{};
+  if (!has) {
+    if (tracing_i()) rx_trace_detail(">F> " + fx->name_node->value + "() --> No Result");
+    rx_raise(44, n);
+  }
+  if (tracing_i()) rx_trace_detail(">F> " + fx->name_node->value + "() --> \"" + shown(tmp, n) + "\"");
+  return tmp;
 }
 
 }  // namespace
@@ -376,8 +407,11 @@ bool rx_whole(const rx_value& v, int digits, double* out) {
 
 const rx_value& rx_eval(const rx_node* n, rx_value& tmp) {
   switch (n->type) {
-    case SYMBOL:
-      return symbol_value(n, tmp);
+    case SYMBOL: {
+      const rx_value& v = symbol_value(n, tmp);
+      if (tracing_i()) trace_symbol(n, v);
+      return v;
+    }
     case STRING:
       return constant(n);
     case RX_EXPR:
@@ -394,6 +428,13 @@ const rx_value& rx_eval(const rx_node* n, rx_value& tmp) {
       const rx_value& a = rx_eval(fx->operand[0].node, t0);
       op_status st = unary(fx->op, a, tmp, n);
       if (st.status) operator_error(n, st, &a, nullptr);
+      if (tracing_i()) {
+        if (fx->op == rx_op::fx_backq)
+          rx_trace_detail(">U> `" + shown(a, n) + "` --> \"" + shown(tmp, n) + "\"");
+        else
+          rx_trace_detail(std::string(">P> ") + rx_trace_op(fx->op) + " \"" + shown(a, n) + "\" --> \"" +
+                          shown(tmp, n) + "\"");
+      }
       return tmp;
     }
     case 2: {
@@ -407,6 +448,13 @@ const rx_value& rx_eval(const rx_node* n, rx_value& tmp) {
         if (rx_as_number(a, &d, &dec) && (fx->op == rx_op::fx_or ? d != 0 : d == 0)) b = &one;
       }
       if (!b) b = &rx_eval(fx->operand[1].node, t1);
+      if (tracing_i()) {
+        op_status st = binary(fx->op, a, *b, tmp, n);
+        if (st.status) operator_error(n, st, &a, b);
+        rx_trace_detail(">O> \"" + shown(a, n) + "\" " + rx_trace_op(fx->op) + " \"" + shown(*b, n) + "\" --> \"" +
+                        shown(tmp, n) + "\"");
+        return tmp;
+      }
       if ((fx->op == rx_op::fx_conc || fx->op == rx_op::fx_bl) && &a == &t0 && t0.kind == RX_STR) {
         // A chain of concatenations grows its left temporary instead of copying it at every step.
         std::string buf;

@@ -1,5 +1,5 @@
 // The statement walker: control flow (IF, SELECT, DO, LEAVE, ITERATE, EXIT, SIGNAL, INTERPRET), SAY, assignment,
-// NUMERIC, DROP, UPPER, LOWER, PUSH, QUEUE, PROCEDURE, and the statements whose machinery comes later.
+// NUMERIC, DROP, UPPER, LOWER, PUSH, QUEUE, PROCEDURE; calls, commands and TRACE are dispatched to their modules.
 #include "rexx/rx_exec.h"
 
 #include <cmath>
@@ -18,14 +18,6 @@ void run_list(const rx_cell* c);
 
 rx_run& R() { return *rx_st.run; }
 rx_proc& P() { return *rx_st.run->proc; }
-
-// RC, RESULT and SIGL are spelled by the case mode: upper in upper or unset mode, lower otherwise.
-std::string special(const char* upper) {
-  std::string s = upper;
-  if (rx_st.sw.case_mode == 0 || rx_st.sw.case_mode == 2)
-    for (char& c : s) c = static_cast<char>(c - 'A' + 'a');
-  return s;
-}
 
 std::string text(const rx_value& v, const rx_node* at) {
   std::string buf;
@@ -58,6 +50,7 @@ void exec_say(const rx_stmt& s) {
     else
       line = eval_text(s.expr);
   }
+  if (rx_tracing(0x04 | 0x20)) rx_trace_detail(">>> \"" + line + "\"");
   if (s.kind == RX_SAY) line += '\n';
   if (s.kind == RX_SAYR) line += '\r';
   rx_output(line);
@@ -108,8 +101,12 @@ void exec_assign(const rx_stmt& s) {
   if (!s.expr) {
     v.set_text("");
   } else if (!constant_number(s.expr, v)) {
-    if (append_in_place(s)) return;
+    if (!(P().trace & 0x24) && append_in_place(s)) return;
     v = rx_eval_owned(s.expr);
+  }
+  if (rx_tracing(0x04 | 0x20)) {
+    std::string name = rx_default_text(rx_ctx(), *s.target);
+    rx_trace_detail(">>> " + name + " <-- \"" + text(v, s.expr) + "\"");
   }
   rx_assign(rx_ctx(), *s.target, std::move(v));
 }
@@ -305,43 +302,15 @@ void exec_do(const rx_stmt& s) {
 
 // ---- EXIT, SIGNAL ----
 
-void exec_exit(const rx_stmt& s) {
-  rx_run& r = R();
-  r.exit_code = 0;
-  r.has_result = false;
-  r.result.clear();
-  if (s.expr) {
-    rx_value t;
-    const rx_value& v = rx_eval(s.expr, t);
-    double d;
-    int32_t dec;
-    r.result = text(v, s.expr);
-    r.has_result = true;
-    if (rx_as_number(v, &d, &dec)) {
-      r.result.clear();
-      if (!rx_format_number(d, dec, P().numeric, r.result)) rx_raise(42, s.expr);
-      d = std::trunc(d);
-      r.exit_code = d > INT32_MAX ? INT32_MAX : d < INT32_MIN ? INT32_MIN : static_cast<int32_t>(d);
-    } else {
-      unsigned char b[4] = {' ', ' ', ' ', ' '};
-      for (std::size_t i = 0; i < 4 && i < r.result.size(); ++i) b[i] = static_cast<unsigned char>(r.result[i]);
-      uint32_t code = b[0] | (b[1] << 8) | (b[2] << 16) | (static_cast<uint32_t>(b[3]) << 24);
-      std::memcpy(&r.exit_code, &code, sizeof code);
-    }
-  }
-  r.pending = RX_PEND_EXIT;
-}
-
 void exec_signal(const rx_stmt& s) {
-  if (s.form == RX_SIG_ONOFF || s.form == RX_CALL_ONOFF) {
-    if (s.target->type == ON) throw rx_unavailable{"SIGNAL ON and CALL ON conditions"};
-    return;  // every condition is off already
-  }
+  if (s.form == RX_SIG_ONOFF || s.form == RX_CALL_ONOFF) return rx_exec_on_off(s);
   std::string name = s.form == RX_SIG_VALUE ? eval_text(s.target) : s.target->value;
-  const rx_label* label = R().prog->labels.find(name);
+  rx_label_hit hit = rx_find_label(name);
+  const rx_label* label = hit.label;
   if (!label) rx_raise(16, s.target, "\"" + name + "\" is missing.");
+  R().signal_prog = hit.prog;
   int32_t line = R().interpret_line >= 0 ? R().interpret_line : s.line;  // a program line, also from INTERPRET
-  rx_assign_name(rx_ctx(), special("SIGL"), rx_value::number(line + 1, 0));
+  rx_assign_name(rx_ctx(), rx_special("SIGL"), rx_value::number(line + 1, 0));
   R().signal_label = label;
   R().pending = RX_PEND_SIGNAL;
 }
@@ -349,12 +318,13 @@ void exec_signal(const rx_stmt& s) {
 // ---- INTERPRET ----
 
 void report_interpreted(int number, int32_t line, int32_t column, std::string_view source, std::string_view detail) {
+  if (P().cond[RX_C_SYNTAX] == 1) return;  // the handler takes it, with no report
   rx_report_place place;
   place.number = number;
   place.line = line;
   place.column = column;
   place.source = source;
-  place.file = R().prog->name;
+  place.file = R().cur_prog->name;
   place.interpreted = true;
   place.detail = detail;
   rx_report_out(rx_format_report(place));
@@ -380,12 +350,11 @@ struct interpret_scope {
   interpret_scope& operator=(const interpret_scope&) = delete;
 };
 
-void exec_interpret(const rx_stmt& s) {
+void interpret_text(std::string text, int32_t line, int32_t column) {
   rx_check_stack();
   auto prog = std::make_unique<rx_program>();
-  prog->name = R().prog->name;
-  prog->source = eval_text(s.expr);
-  int32_t line = s.line, column = s.column;
+  prog->name = R().cur_prog->name;
+  prog->source = std::move(text);
   auto again = [line, column](int number) {
     rx_st.error.line = line;
     rx_st.error.column = column;
@@ -422,6 +391,12 @@ void exec_interpret(const rx_stmt& s) {
     report_interpreted(e.number, rx_st.error.line, rx_st.error.column, prog->source, rx_st.error.detail);
     again(e.number);
   }
+}
+
+void exec_interpret(const rx_stmt& s) {
+  std::string text = eval_text(s.expr);
+  if (rx_tracing(0x04 | 0x20)) rx_trace_detail(">>> \"" + text + "\"");
+  interpret_text(std::move(text), s.line, s.column);
 }
 
 // ---- NUMERIC ----
@@ -526,48 +501,7 @@ void exec_procedure(const rx_stmt& s) {
   each_name(s.chain, true, [&c](const rx_node& n) { rx_expose(c, n); });
 }
 
-// ---- TRACE (its output comes with the trace work; the settings without output are taken now) ----
-
-void exec_trace(const rx_stmt& s) {
-  std::string v;
-  if (s.target) v = s.upper ? eval_text(s.target) : s.target->value;
-  double d;
-  if (!v.empty() && rx_is_number(v, nullptr, nullptr)) {
-    if (!rx_whole(rx_value::string(v), P().numeric.digits, &d))
-      rx_raise(26, s.target, "Expression evaluates to " + v);
-    return;  // counts matter only in interactive trace
-  }
-  int flags = P().trace & 0x500;
-  if (v.empty()) flags |= 0x02;
-  for (char ch : v) {
-    char u = ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 32) : ch;
-    if (u == 'O') {
-      flags = 0;
-      break;
-    }
-    if (u == 'E' || u == 'N' || u == 'F' || u == 'C') {
-      flags = (flags & 0x300) | (u == 'E' ? 0x02 : u == 'C' ? 0x01 : 0x10);
-      break;
-    }
-    if (std::strchr("AILRS?!XY", u) == nullptr) {
-      P().trace = flags;
-      rx_raise(24, s.target);
-    }
-    throw rx_unavailable{"TRACE " + v};
-  }
-  P().trace = flags;
-}
-
 // ---- the walker ----
-
-void unavailable_call(const rx_stmt& s) {
-  const std::string& name = s.target->value;
-  bool label_search = s.target->type == SYMBOL || (!name.empty() && std::strchr("./~", name[0])) ||
-                      (name.size() >= 2 && name[1] == ':');
-  if (label_search && R().prog->labels.find(name)) throw rx_unavailable{"calls of internal routines"};
-  rx_output("\npalom: \"" + name + "\" routine not found.\n");
-  rx_raise(43, s.target);
-}
 
 void exec(const rx_stmt& s) {
   switch (s.kind) {
@@ -585,10 +519,8 @@ void exec(const rx_stmt& s) {
       R().pend_column = s.column;
       return;
     case RX_LABEL: case RX_LINK: return;
-    case RX_EXIT: return exec_exit(s);
-    case RX_RETURN:
-      if (P().caller) throw rx_unavailable{"RETURN from internal routines"};
-      return exec_exit(s);  // RETURN with no caller acts as EXIT
+    case RX_EXIT: return rx_exec_exit(s);
+    case RX_RETURN: return rx_exec_return(s);
     case RX_SIGNAL: return exec_signal(s);
     case RX_INTERPRET: return exec_interpret(s);
     case RX_NUMERIC: return exec_numeric(s);
@@ -596,30 +528,55 @@ void exec(const rx_stmt& s) {
     case RX_PUSH:
     case RX_QUEUE: {
       std::string line = s.expr ? eval_text(s.expr) : std::string();
+      if (rx_tracing(0x04 | 0x20)) rx_trace_detail(">>> \"" + line + "\"");
       if (s.kind == RX_PUSH) rx_queue_push(std::move(line));
       else rx_queue_add(std::move(line));
       return;
     }
     case RX_DROP: case RX_UPPER: case RX_LOWER: return exec_names(s);
     case RX_PROCEDURE: return exec_procedure(s);
-    case RX_TRACE: return exec_trace(s);
-    case RX_CALL: return unavailable_call(s);
-    case RX_COMMAND: throw rx_unavailable{"host commands"};
-    case RX_ADDRESS: throw rx_unavailable{"ADDRESS environments"};
-    case RX_SAYX: throw rx_unavailable{"SAYX"};
+    case RX_TRACE: return rx_exec_trace(s);
+    case RX_CALL: return rx_exec_call(s);
+    case RX_COMMAND: case RX_SAYX: return rx_exec_command(s);
+    case RX_ADDRESS: return rx_exec_address(s);
     case RX_CD: throw rx_unavailable{"CD"};
     default: throw rx_unavailable{"statement kind " + std::to_string(s.kind)};
+  }
+}
+
+// Under TRACE S the blocks of a clause are listed too.
+void scan_nested(const rx_stmt& s) {
+  if (s.kind == RX_IF || s.kind == RX_DO) {
+    run_list(s.body);
+    run_list(s.other);
+  } else if (s.kind == RX_SELECT) {
+    for (const rx_when* w = s.whens; w; w = w->next) run_list(w->body);
+    run_list(s.other);
   }
 }
 
 void run_list(const rx_cell* c) {
   rx_check_stack();
   rx_run& r = R();
-  for (; c && c->stmt; c = c->next) {
+  while (c && c->stmt) {
     rx_st.error.line = c->stmt->line;
     rx_st.error.column = c->stmt->column;
+    if (P().trace & 0xFD) {
+      rx_trace_clause(*c->stmt);
+      if (P().trace & 0x40) {  // TRACE S lists the clause and runs nothing
+        scan_nested(*c->stmt);
+        c = c->next;
+        continue;
+      }
+    }
     exec(*c->stmt);
     if (r.pending) return;
+    if (P().trace & 0x100) {
+      bool again = rx_trace_pause(c);  // "=" typed: the same clause again
+      if (r.pending) return;
+      if (again) continue;
+    }
+    c = c->next;
   }
 }
 
@@ -641,10 +598,23 @@ const rx_cell* signal_resume(const rx_label* label) {
 void run_routine(const rx_cell* start) {
   rx_run& r = R();
   for (const rx_cell* c = start;;) {
-    if (c) run_list(c);
+    try {
+      if (c) run_list(c);
+    } catch (const rx_signal_jump&) {
+      r.pending = RX_PEND_SIGNAL;  // a condition handler: as by SIGNAL, in this routine
+    }
     if (r.pending == RX_PEND_SIGNAL) {
       r.pending = RX_PEND_NONE;
-      c = signal_resume(r.signal_label);
+      if (r.signal_prog) {
+        r.cur_prog = r.signal_prog;
+        r.cur_source = r.signal_prog->source;
+      }
+      c = nullptr;
+      try {
+        c = signal_resume(r.signal_label);
+      } catch (const rx_signal_jump&) {
+        r.pending = RX_PEND_SIGNAL;
+      }
       continue;
     }
     if (r.pending == RX_PEND_LEAVE || r.pending == RX_PEND_ITERATE) {
@@ -657,6 +627,37 @@ void run_routine(const rx_cell* start) {
 }
 
 }  // namespace
+
+void rx_exec_exit(const rx_stmt& s) {
+  rx_run& r = R();
+  r.exit_code = 0;
+  r.has_result = false;
+  r.result.clear();
+  if (s.expr) {
+    rx_value t;
+    const rx_value& v = rx_eval(s.expr, t);
+    double d;
+    int32_t dec;
+    r.result = text(v, s.expr);
+    r.has_result = true;
+    if (rx_as_number(v, &d, &dec)) {
+      r.result.clear();
+      if (!rx_format_number(d, dec, P().numeric, r.result)) rx_raise(42, s.expr);
+      d = std::trunc(d);
+      r.exit_code = d > INT32_MAX ? INT32_MAX : d < INT32_MIN ? INT32_MIN : static_cast<int32_t>(d);
+    } else {
+      unsigned char b[4] = {' ', ' ', ' ', ' '};
+      for (std::size_t i = 0; i < 4 && i < r.result.size(); ++i) b[i] = static_cast<unsigned char>(r.result[i]);
+      uint32_t code = b[0] | (b[1] << 8) | (b[2] << 16) | (static_cast<uint32_t>(b[3]) << 24);
+      std::memcpy(&r.exit_code, &code, sizeof code);
+    }
+  }
+  r.pending = RX_PEND_EXIT;
+}
+
+void rx_run_list(const rx_cell* c) { run_list(c); }
+void rx_interpret_text(std::string text, int32_t line, int32_t column) { interpret_text(std::move(text), line, column); }
+void rx_run_routine(const rx_cell* start) { run_routine(start); }
 
 rx_var_ctx rx_ctx() {
   rx_var_ctx c;
@@ -673,6 +674,10 @@ void rx_raise(int number, const rx_node* at, std::string detail) {
   }
   rx_st.error.number = number;
   rx_st.error.detail = std::move(detail);
+  if (rx_st.run) {
+    rx_st.run->err_prog = rx_st.run->cur_prog;
+    rx_syntax_trap(number);  // does not return when SIGNAL ON SYNTAX takes the error
+  }
   throw rx_error_exit{number};
 }
 
@@ -685,8 +690,10 @@ void rx_check_stack() {
   char here = 0;
   if (!rx_st.run || !rx_st.run->stack_base) return;
   auto used = reinterpret_cast<std::uintptr_t>(rx_st.run->stack_base) - reinterpret_cast<std::uintptr_t>(&here);
-  if (static_cast<std::ptrdiff_t>(used) > rx_stack_budget)
-    rx_raise(5, nullptr, "PALOMA: the program nests too deeply (INTERPRET, blocks or expressions).");
+  if (static_cast<std::ptrdiff_t>(used) <= rx_stack_budget + rx_st.run->stack_extra) return;
+  // A SYNTAX handler runs in the routine that nests too deeply: it gets some stack of its own, once.
+  if (rx_st.run->proc->cond[RX_C_SYNTAX] == 1 && rx_st.run->stack_extra == 0) rx_st.run->stack_extra = 512 * 1024;
+  rx_raise(5, nullptr, "PALOMA: the program nests too deeply (routine calls, INTERPRET, blocks or expressions).");
 }
 
 void rx_execute(rx_run& run) {
@@ -695,9 +702,16 @@ void rx_execute(rx_run& run) {
   rx_st.run = &run;
   run.stack_base = &base;
   run.cur_source = run.prog->source;
+  run.cur_prog = run.prog;
+  run.err_prog = run.prog;
+  run.proc->env = run.proc->env_prev = rx_st.env_start;
   struct restore {
     rx_run* s;
     ~restore() { rx_st.run = s; }
   } guard{saved};
-  run_routine(run.prog->head);
+  try {
+    run_routine(run.prog->head);
+  } catch (const rx_exit_jump&) {
+    // run.pending is EXIT, with its code and text
+  }
 }

@@ -1,8 +1,11 @@
 // Program-wide state of the interpreter family, grouped in one structure that rx_init resets.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "rexx/rx_errors.h"
 
@@ -17,7 +20,20 @@ struct rx_switches {
   int globalv = 2;
 };
 
+// An ADDRESS environment: upper-case name, handler and its user data. The handler runs one command and returns
+// its result (RC).
+using rx_env_fn = int32_t (*)(std::string_view command, void* user);
+struct rx_env {
+  std::string name;
+  rx_env_fn fn = nullptr;
+  void* user = nullptr;
+};
+// The starting table: the direct environments WINDOWS, UNIX, EXEC and the shells SH, KSH, CSH, TCSH.
+std::vector<rx_env> rx_default_envs();
+
 struct rx_state {
+  std::vector<rx_env> envs = rx_default_envs();
+  int env_start = 0;                // the environment a run starts in
   rx_switches sw;
   rx_error_state error;
   rx_run* run = nullptr;            // the run in progress, null between runs

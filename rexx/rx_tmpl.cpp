@@ -173,7 +173,11 @@ long long region_end(const parse_state& ps, const elem* behind) {
 }
 
 void assign(const elem& e, std::string_view value, bool upper) {
-  if (e.kind == E_DOT) return;
+  bool traced = rx_tracing(0x04 | 0x20);
+  if (e.kind == E_DOT) {
+    if (traced) rx_trace_detail(">.> . <-- \"" + std::string(value) + "\"");
+    return;
+  }
   const rx_node* v = e.tok;
   if (v->value[0] == '.') rx_raise(31, v);
   if (rx_st.sw.setenv == 0 && v->value.size() >= 2 && v->value[0] == '$')
@@ -182,6 +186,7 @@ void assign(const elem& e, std::string_view value, bool upper) {
   if (upper)
     for (char& c : slot->value.text)
       if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
+  if (traced) rx_trace_detail(">>> " + rx_default_text(rx_ctx(), *v) + " <-- \"" + slot->value.text + "\"");
 }
 
 void run_template(const std::vector<elem>& el, std::vector<std::string>& sources, bool is_arg, bool upper) {

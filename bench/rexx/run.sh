@@ -18,7 +18,7 @@ seconds() {
 }
 
 printf '%-14s %10s %10s %8s\n' program palom rexx ratio
-for prog in int_loop string_build parse_lines stem_tails; do
+for prog in int_loop string_build parse_lines stem_tails fib_calls; do
   file=$here/$prog.rexx
   p=$(seconds "$palom" "$file")
   if [ -n "$peer" ]; then

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <csignal>
 #include <ctime>
+#include <string>
 
 #include "os/os_time.h"
 #include "tests/os/test_util.h"
@@ -49,6 +50,43 @@ TEST(OsProcess, ChildrenGetDefaultSignals) {
   ::sigaction(SIGTERM, &old, nullptr);
   EXPECT_EQ(term, 128 + SIGTERM);
   EXPECT_EQ(usr1, 128 + SIGUSR1);
+}
+
+TEST(OsProcess, CaptureJoinsOutputAndErrorAndKeepsTheStatus) {
+  std::string out;
+  EXPECT_EQ(os_run_capture("echo out; echo err >&2; exit 4", out), 4);
+  EXPECT_EQ(out, "out\nerr\n");
+  out = "kept:";
+  EXPECT_EQ(os_run_capture("printf 'a\\0b'", out), 0);  // appended, NUL bytes included
+  EXPECT_EQ(out, std::string("kept:a\0b", 8));
+  out.clear();
+  EXPECT_EQ(os_run_capture("no_such_program_tolva_zz", out), 127);
+  EXPECT_NE(out.find("not found"), std::string::npos);
+}
+
+TEST(OsProcess, CaptureOfMegabytesDrainsBeyondTheLimit) {
+  std::string out;
+  bool truncated = true;
+  EXPECT_EQ(os_run_capture("head -c 3000000 /dev/zero", out, static_cast<std::size_t>(-1), &truncated), 0);
+  EXPECT_EQ(out.size(), 3000000u);
+  EXPECT_FALSE(truncated);
+  out.clear();
+  // The child is not blocked by a full pipe once the limit is reached: the rest is read and dropped.
+  EXPECT_EQ(os_run_capture("head -c 1000000 /dev/zero; exit 2", out, 1000, &truncated), 2);
+  EXPECT_EQ(out.size(), 1000u);
+  EXPECT_TRUE(truncated);
+}
+
+TEST(OsProcess, EnvironmentReachesChildren) {
+  ASSERT_EQ(os_set_env("TOLVA_OS_TEST_VAR", "v1"), 0);
+  std::string out;
+  EXPECT_EQ(os_run_capture("printf %s \"$TOLVA_OS_TEST_VAR\"", out), 0);
+  EXPECT_EQ(out, "v1");
+  ASSERT_EQ(os_unset_env("TOLVA_OS_TEST_VAR"), 0);
+  out.clear();
+  EXPECT_EQ(os_run_capture("printf %s \"${TOLVA_OS_TEST_VAR-unset}\"", out), 0);
+  EXPECT_EQ(out, "unset");
+  EXPECT_NE(os_set_env("BAD=NAME", "x"), 0);
 }
 
 TEST(OsTime, LocalTimeBreakdown) {

@@ -1,6 +1,7 @@
 // The run interface used by hosts: outcomes of EXIT, arguments, and what survives from one run to the next.
 #include <gtest/gtest.h>
 
+#include "os/os_process.h"
 #include "rexx/paloma.h"
 
 namespace {
@@ -51,6 +52,45 @@ TEST(RexxRunApi, QueueOutlivesARunButNotInit) {
 TEST(RexxRunApi, RunTimeErrorsAndUnavailableFeatures) {
   paloma_init();
   EXPECT_EQ(run("x = 1 / 0\n").rc, 51);
-  EXPECT_EQ(run("'a host command'\n").rc, -3);
-  EXPECT_EQ(run("address sh\n").rc, -3);
+  EXPECT_EQ(run("'makebuf'\n").rc, -3);  // a command of the function library, not built yet
+  EXPECT_EQ(run("trace x\n").rc, -3);     // the debugger
+  EXPECT_EQ(run("address sh 'exit 3'\nexit rc\n").rc, 3);
+}
+
+namespace {
+
+struct env_log {
+  std::string commands;
+};
+
+int record_env(std::string_view command, void* user) {
+  static_cast<env_log*>(user)->commands.append(command).append(";");
+  return command == "fail" ? -2 : 7;
+}
+
+}  // namespace
+
+TEST(RexxRunApi, HostEnvironmentsRegisterReplaceAndRemove) {
+  paloma_init();
+  env_log log;
+  paloma_register_environment("HOSTED", record_env, true, &log);
+  EXPECT_EQ(run("'one'; exit rc\n").rc, 7);  // the new current environment takes the program's commands
+  EXPECT_EQ(run("address hosted 'two'; exit rc\n").rc, 7);
+  EXPECT_EQ(run("signal on failure; 'fail'; exit 1; failure: exit rc\n").rc, -2);
+  // A negative result with FAILURE off fires ERROR; with FAILURE on, FAILURE alone.
+  EXPECT_EQ(run("signal on error; 'fail'; exit 1; error: exit 100 + rc\n").rc, 98);
+  EXPECT_EQ(run("call on error; call on failure name f; 'fail'; exit 1; error: exit 2; f: say 'f'; return\n").rc, 1);
+  EXPECT_EQ(log.commands, "one;two;fail;fail;fail;");
+  paloma_register_environment("HOSTED", nullptr, false, nullptr);
+  EXPECT_EQ(run("address hosted\n").rc, 56);  // removed: the run starts in the first row again
+  EXPECT_EQ(run("'exit 4'; exit rc\n").rc, 4);
+  EXPECT_EQ(log.commands, "one;two;fail;fail;fail;");
+}
+
+TEST(RexxRunApi, NamedShellsPutTheirVariableInFront) {
+  paloma_init();
+  ASSERT_EQ(os_set_env("TCSH", "exit 5;"), 0);
+  EXPECT_EQ(run("address tcsh 'true'; exit rc\n").rc, 5);  // "exit 5; true"
+  ASSERT_EQ(os_unset_env("TCSH"), 0);
+  EXPECT_EQ(run("address tcsh 'exit 6'; exit rc\n").rc, 6);  // no variable: the command alone
 }

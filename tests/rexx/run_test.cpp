@@ -78,6 +78,10 @@ TEST(RexxRun, DoLoops) { run_area("do"); }
 TEST(RexxRun, Variables) { run_area("variables"); }
 TEST(RexxRun, ParseTemplates) { run_area("parse"); }
 TEST(RexxRun, Signal) { run_area("signal"); }
+TEST(RexxRun, Routines) { run_area("routines"); }
+TEST(RexxRun, HostCommands) { run_area("commands"); }
+TEST(RexxRun, Conditions) { run_area("conditions"); }
+TEST(RexxRun, Trace) { run_area("trace"); }
 TEST(RexxRun, Interpret) { run_area("interpret"); }
 TEST(RexxRun, Errors) { run_area("errors"); }
 TEST(RexxRun, BadInput) { run_area("bad_input"); }

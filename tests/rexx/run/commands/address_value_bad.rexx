@@ -1,0 +1,1 @@
+address value 'no' || 'such'

@@ -1,0 +1,3 @@
+signal on novalue
+say 123 a.123
+say missing

@@ -1,0 +1,2 @@
+signal on syntax name gone
+x = 1 / 0

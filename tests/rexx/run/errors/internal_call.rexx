@@ -1,3 +1,0 @@
-call sub
-exit
-sub: return

@@ -1,0 +1,5 @@
+call down 1
+exit
+down: procedure
+  parse arg n
+  call down n + 1

@@ -1,0 +1,2 @@
+say 'start'
+call ext_div

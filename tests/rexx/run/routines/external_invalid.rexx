@@ -1,0 +1,1 @@
+call './plain_text'

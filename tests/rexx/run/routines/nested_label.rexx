@@ -1,0 +1,4 @@
+do 1
+inner: say 'in'
+end
+call inner

@@ -1,0 +1,3 @@
+call 'f' 1
+exit
+f: say 'label reached'; return

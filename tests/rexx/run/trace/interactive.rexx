@@ -1,0 +1,5 @@
+trace ?r
+x = 1
+say x
+y = 2
+say 'end' y

@@ -1,0 +1,6 @@
+trace l
+call sub
+say 'done'
+exit
+sub:
+return

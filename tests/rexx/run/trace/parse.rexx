@@ -1,0 +1,3 @@
+trace r
+parse value 'alpha beta gamma' with first . last
+say first last
