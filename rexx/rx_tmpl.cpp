@@ -117,11 +117,16 @@ long long position(const elem& e) {
   return d > 1e12 ? 1000000000000LL : static_cast<long long>(d);
 }
 
-std::string pattern_text(const elem& e) { return e.kind == E_VSTR ? var_text(e.var) : e.tok->value; }
+// A pattern's text: a literal is read in place; a variable pattern is evaluated into `buf`.
+std::string_view pattern_text(const elem& e, std::string& buf) {
+  if (e.kind != E_VSTR) return e.tok->value;
+  buf = var_text(e.var);
+  return buf;
+}
 
-long long find(const parse_state& ps, const std::string& pat) {
+long long find(const parse_state& ps, std::string_view pat) {
   if (pat.empty()) return -1;
-  std::size_t p = ps.str.find(pat, static_cast<std::size_t>(ps.cursor));
+  std::size_t p = std::string_view(ps.str).find(pat, static_cast<std::size_t>(ps.cursor));
   return p == std::string::npos ? -1 : static_cast<long long>(p);
 }
 
@@ -129,7 +134,8 @@ void apply_pattern(parse_state& ps, const elem& e) {
   switch (e.kind) {
     case E_STR:
     case E_VSTR: {
-      std::string pat = pattern_text(e);
+      std::string buf;
+      std::string_view pat = pattern_text(e, buf);
       if (pat.empty()) {
         ps.cursor = ps.end;
         break;
@@ -156,7 +162,8 @@ long long region_end(const parse_state& ps, const elem* behind) {
   switch (behind->kind) {
     case E_STR:
     case E_VSTR: {
-      long long p = find(ps, pattern_text(*behind));
+      std::string buf;
+      long long p = find(ps, pattern_text(*behind, buf));
       return p < 0 ? ps.len() : p;
     }
     case E_PLUS: {
@@ -226,7 +233,8 @@ void run_template(const std::vector<elem>& el, std::vector<std::string>& sources
       while (to < ps.end && ps.str[static_cast<std::size_t>(to)] != ' ') ++to;
       after = to + 1;
     } else if (next && (next->kind == E_STR || next->kind == E_VSTR)) {
-      after = ps.end + static_cast<long long>(pattern_text(*next).size());
+      std::string buf;
+      after = ps.end + static_cast<long long>(pattern_text(*next, buf).size());
     } else if (next && next->kind == E_PLUS) {
       after = ps.cursor + position(*next);
     } else if (next && next->kind == E_ABS) {
