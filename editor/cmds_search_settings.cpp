@@ -300,6 +300,6 @@ int xfcm_xedlocate(const xf_cmd_call& c) {
 }
 
 int xfcm_locate(const xf_cmd_call& c) {
-  if (xf_set.mode_command_ispf) return xfcm_unavailable(c);
+  if (xf_set.mode_command_ispf) return xfcm_pdflocate(c);
   return xfcm_xedlocate(c);
 }

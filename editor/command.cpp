@@ -6,6 +6,8 @@
 #include <csignal>
 
 #include "editor/cmdtable.h"
+#include "editor/handlers.h"
+#include "editor/input.h"
 #include "editor/journal.h"
 #include "editor/linecmds.h"
 #include "editor/macros.h"
@@ -317,7 +319,11 @@ int32_t xfcom2(std::string_view com_in, std::string_view work_dir) {
       xf_cmd_call call{com, lcom, text, ltext, work_dir, std::string_view(e.name).substr(0, lname.size()),
                        e.min_len};
       xf_trace(e.trace_tag);
+      // A shell command writes to the terminal: it runs on the console, off the editor's screen.
+      bool console = !xf_run.batch && e.handler == xfcm_shell;
+      if (console) xf_console(true);
       e.handler(call);
+      if (console) xf_console(false);
       return finish();
     }
     if (xf_set.mode_notimp && xf_notimp_name(ltext)) return finish();

@@ -11,6 +11,7 @@
 #include "editor/state.h"
 #include "editor/trace.h"
 #include "os/os_signal.h"
+#include "screen/host/term_host.h"
 
 xf_trace_state xf_traces;
 
@@ -162,6 +163,7 @@ void xf_emergency_poll() {
 }
 
 void xf_internal_error(int sig) {
+  term_emergency_reset();  // the terminal shows what follows in its normal state
   if (xf_run.crashing) {
     put("TOLVA: Unable to save modified files\n");
     os_sa_exit(1);
@@ -202,6 +204,7 @@ void xf_internal_error(int sig) {
 }
 
 void xf_out_of_memory(std::size_t size, int lines_full) {
+  term_emergency_reset();
   if (lines_full == 0) {
     char num[24];
     os_sa_format_int(num, sizeof num, static_cast<int64_t>(size));

@@ -4,14 +4,19 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "editor/cmdtable.h"
 #include "editor/command.h"
+#include "editor/compose.h"
 #include "editor/emergency.h"
 #include "editor/fileio.h"
 #include "editor/filetype.h"
+#include "editor/input.h"
+#include "editor/keys.h"
 #include "editor/macros.h"
 #include "editor/messages.h"
 #include "editor/ring.h"
@@ -19,10 +24,16 @@
 #include "os/os_file.h"
 #include "os/os_path.h"
 #include "os/os_save.h"
+#include "os/os_signal.h"
 #include "os/os_time.h"
 #include "rexxlib/support.h"
+#include "screen/fs.h"
+#include "screen/host/term_host.h"
 
 namespace {
+
+// The terminal that the interactive editor runs on; given back on every orderly end.
+std::unique_ptr<term_host> terminal;
 
 // The options of the command line: name and operand count. The parser knows nothing of their meaning.
 enum option_index {
@@ -219,6 +230,7 @@ void xf_flush_messages() {
 
 void xf_exit() {
   if (xf_run.batch) xf_flush_messages();
+  if (terminal) terminal->stop();
   std::fflush(stdout);
   std::fflush(stderr);
   // Nothing is left to write: the process ends without freeing the ring line by line.
@@ -274,16 +286,39 @@ int tolva_main(int argc, char** argv) {
     }
   }
   xf_run.saved_argv.assign(argv, argv + argc);
+  int rows = 24, columns = 80;
   if (!xf_run.batch) {
-    std::fprintf(stderr, "tolva: the full-screen editor is not built yet; run with -batch or -filec\n");
-    return 1;
+    // The screen comes up before anything else can show: no terminal, or a dumb one, refuses the start.
+    xf_emergency_install(argc, argv);
+    term_options to;
+    to.wake_fd = os_term_fd();
+    terminal = std::make_unique<term_host>(to);
+    fs_sethost(terminal.get());
+    fsinit(argc, argv);
+    if (fsstatus() != 0) {
+      fs_sethost(nullptr);
+      terminal.reset();
+      return refuse("tolva: can't initialize");
+    }
+    int geo[4] = {0, 0, 0, 0};
+    fsqury(0, 0, 4, geo);
+    rows = std::min(geo[2], 3000);
+    columns = std::min(geo[3], 1000);
+    if (rows < 6 || columns < 38) {
+      terminal->stop();
+      terminal.reset();
+      return refuse("tolva: too small window");
+    }
   }
   if (o.pdf) {
     xf_set.mode_command_ispf = 1;
     xf_set.mode_prefix_ispf = 1;
   }
-  xf_emergency_install(argc, argv);
-  xfini(24, 80);
+  if (xf_run.batch) xf_emergency_install(argc, argv);
+  xf_screen_reset();
+  xf_input_reset();
+  xf_keys_reset();
+  xfini(rows, columns);
   timing_mark("xfini");
   xf_run.profile_args = o.files;
   if (o.profile_choice != 0 && !run_profile(o, env)) return 1;
@@ -297,6 +332,7 @@ int tolva_main(int argc, char** argv) {
     xf_run.rexx_stack.push_back("hash " + o.filec + (has_ext ? "" : ".tolva"));
     xf_run.rexx_stack.push_back(o.filec);
   }
+  if (!xf_run.batch) xfx(xf_run.work_dir);
   while (true) {
     xf_emergency_poll();
     if (!xfcom(xf_run.work_dir)) break;

@@ -5,6 +5,8 @@
 #include "editor/filetype.h"
 #include "editor/macros.h"
 #include "editor/messages.h"
+#include "editor/pdffind.h"
+#include "editor/regex.h"
 #include "editor/linecmds.h"
 #include "editor/ring.h"
 #include "editor/target.h"
@@ -23,5 +25,7 @@ void xf_state_reset() {
   xf_cmd_reset();
   xf_target_reset();
   xf_linecmd_reset();
+  xf_re_reset();
+  xf_pdf_reset();
   xf_msgs = xf_msg_state{};
 }

@@ -369,8 +369,8 @@ TEST(Locate, RunsTheRestAtTheTarget) {
   run("/gamma/ delete 2");
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"alpha", "beta", "epsilon"}));
   run("mode command ispf");
-  EXPECT_EQ(run("locate 1"), 1);
-  EXPECT_EQ(last_msg(), "..... Not implemented");
+  EXPECT_EQ(run("locate 1"), 0);  // the ISPF form: line 1
+  EXPECT_EQ(xf_current_line(), 0);
   run("mode command xedit");
   EXPECT_EQ(run("xedlocate"), 1);
   EXPECT_EQ(last_msg(), "..... Missing Operand");
