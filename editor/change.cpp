@@ -8,6 +8,7 @@
 #include "editor/find.h"
 #include "editor/handlers.h"
 #include "editor/messages.h"
+#include "editor/operands.h"
 #include "editor/regex.h"
 #include "editor/ring.h"
 #include "editor/state.h"
@@ -17,21 +18,12 @@ xf_change_keys xf_sckeys;
 
 namespace {
 
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
-}
 
 std::string_view rtrim(std::string_view s) {
   while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
   return s;
 }
 
-std::string_view operands(std::string_view text) {
-  std::size_t sp = text.find(' ');
-  return sp == std::string_view::npos ? std::string_view() : text.substr(sp + 1);
-}
 
 // The operands as typed, before "$" words were replaced (ARBchar ON $ reads them so).
 std::string_view after_name(std::string_view s) {
@@ -43,19 +35,9 @@ std::string_view after_name(std::string_view s) {
 }
 
 std::string_view typed_operands(const xf_cmd_call& c) {
-  return xf_search.arb_on && xf_search.arb == '$' ? after_name(c.com) : operands(c.text);
+  return xf_search.arb_on && xf_search.arb == '$' ? after_name(c.com) : xf_operands(c.text);
 }
 
-bool read_number(std::string_view s, int32_t& n) {
-  if (s.empty() || s.size() > 9) return false;
-  int32_t v = 0;
-  for (char ch : s) {
-    if (ch < '0' || ch > '9') return false;
-    v = v * 10 + (ch - '0');
-  }
-  n = v;
-  return true;
-}
 
 int fail(int msg, int code) {
   xf_msg(msg, XF_MSG_ERROR);
@@ -266,7 +248,7 @@ int xed_change(const xf_cmd_call& c, bool ask, bool word, bool regex) {
   if (!xf_ring.file) return 1;
   if (ask && xf_run.batch) return fail(205, 1);
   if (ask) return xfcm_unavailable(c);
-  std::string_view ops = trim(typed_operands(c));
+  std::string_view ops = xf_trim(typed_operands(c));
   if (ops.empty()) return fail(16, 1);
   char delim = ops[0];
   std::size_t p2 = ops.find(delim, 1);
@@ -277,13 +259,13 @@ int xed_change(const xf_cmd_call& c, bool ask, bool word, bool regex) {
   r.s1.assign(ops.substr(1, p2 - 1));
   std::size_t p3 = ops.find(delim, p2 + 1);
   r.s2.assign(p3 == std::string_view::npos ? ops.substr(p2 + 1) : ops.substr(p2 + 1, p3 - p2 - 1));
-  std::string_view rest = p3 == std::string_view::npos ? std::string_view() : trim(ops.substr(p3 + 1));
+  std::string_view rest = p3 == std::string_view::npos ? std::string_view() : xf_trim(ops.substr(p3 + 1));
   xf_search.last_locate.assign(ops.substr(0, p2 + 1));
   r.per_line = xf_set.mode_change_all ? -1 : 1;
   if (!rest.empty()) {
     int32_t tl = xf_target_length(rest);
     std::string target(rest.substr(0, tl));
-    rest = trim(rest.substr(tl));
+    rest = xf_trim(rest.substr(tl));
     int32_t status = 0, fell = 0;
     int32_t dist = xf_target_distance(target, status, fell, false);
     if (status == xf_target_invalid) {
@@ -298,9 +280,9 @@ int xed_change(const xf_cmd_call& c, bool ask, bool word, bool regex) {
     r.lines = dist;
     std::vector<std::string> w = xf_tokens(rest);
     if (w.size() > 2) return fail(16, 1);
-    if (!w.empty() && w[0] != "*" && !read_number(w[0], r.per_line)) return fail(16, 1);
+    if (!w.empty() && w[0] != "*" && !xf_parse_count(w[0], r.per_line)) return fail(16, 1);
     if (!w.empty() && w[0] == "*") r.per_line = -1;
-    if (w.size() == 2 && (!read_number(w[1], r.first) || r.first < 1)) return fail(16, 1);
+    if (w.size() == 2 && (!xf_parse_count(w[1], r.first) || r.first < 1)) return fail(16, 1);
   }
   int64_t n = 0;
   int res = xf_change_engine(r, n);
@@ -345,7 +327,7 @@ int xfcm_srchange(const xf_cmd_call& c) {
 // COUnt /string/ [target]: "\" as delimiter counts whole words.
 int xfcm_count(const xf_cmd_call& c) {
   if (!xf_ring.file) return 1;
-  std::string_view ops = trim(typed_operands(c));
+  std::string_view ops = xf_trim(typed_operands(c));
   if (ops.empty()) return fail(159, 1);
   char delim = ops[0];
   std::size_t p2 = ops.find(delim, 1);
@@ -353,7 +335,7 @@ int xfcm_count(const xf_cmd_call& c) {
   r.count_only = true;
   r.word = delim == '\\';
   r.s1.assign(p2 == std::string_view::npos ? rtrim(ops.substr(1)) : ops.substr(1, p2 - 1));
-  std::string_view target = p2 == std::string_view::npos ? std::string_view() : trim(ops.substr(p2 + 1));
+  std::string_view target = p2 == std::string_view::npos ? std::string_view() : xf_trim(ops.substr(p2 + 1));
   if (r.s1.empty()) return fail(169, 5);
   int32_t& cur = xf_current_line();
   const int32_t was = cur;
@@ -387,7 +369,7 @@ int xfcm_count(const xf_cmd_call& c) {
 // SCKeys [F]q [F]d: the keys of the selective form; without operands it shows them.
 int xfcm_sckeys(const xf_cmd_call& c) {
   constexpr int32_t function_keys = 12;
-  std::vector<std::string> w = xf_tokens(xf_lower(trim(operands(c.text))));
+  std::vector<std::string> w = xf_tokens(xf_lower(xf_trim(xf_operands(c.text))));
   if (w.empty()) {
     xf_msgf(XF_MSG_INFO, "..... KEY_QUIT = F%d   KEY_DO = F%d ", xf_sckeys.quit, xf_sckeys.doit);
     return 1;
@@ -397,7 +379,7 @@ int xfcm_sckeys(const xf_cmd_call& c) {
   for (int k = 0; k < 2; ++k) {
     std::string_view v = w[k];
     if (!v.empty() && v[0] == 'f') v.remove_prefix(1);
-    if (!read_number(v, keys[k]) || keys[k] < 1 || keys[k] > function_keys) return fail(16, 1);
+    if (!xf_parse_count(v, keys[k]) || keys[k] < 1 || keys[k] > function_keys) return fail(16, 1);
   }
   xf_sckeys.quit = keys[0];
   xf_sckeys.doit = keys[1];

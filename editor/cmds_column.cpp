@@ -5,6 +5,7 @@
 #include "editor/find.h"
 #include "editor/handlers.h"
 #include "editor/messages.h"
+#include "editor/operands.h"
 #include "editor/ring.h"
 #include "editor/state.h"
 #include "editor/target.h"
@@ -13,16 +14,7 @@ namespace {
 
 constexpr int32_t highest_column = 0x7ffffffd;  // 0-based
 
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
-}
 
-std::string_view operands(std::string_view text) {
-  std::size_t sp = text.find(' ');
-  return sp == std::string_view::npos ? std::string_view() : text.substr(sp + 1);
-}
 
 bool digits(std::string_view s) {
   return !s.empty() && s.size() <= 9 && std::all_of(s.begin(), s.end(), [](char c) { return c >= '0' && c <= '9'; });
@@ -43,8 +35,8 @@ int resolve(std::string_view t, column_target& out) {
   auto clamp = [](int64_t c) { return static_cast<int32_t>(std::clamp<int64_t>(c, -1, highest_column)); };
   if (t == "-*") return out.col = z.first - 1, 0;
   if (t == "*" || t == "+*") return out.col = std::min(z.last + 1, highest_column), 0;
-  if (t.size() > 1 && t[0] == ':' && digits(trim(t.substr(1)))) {
-    return out.col = clamp(std::stoll(std::string(trim(t.substr(1)))) - 1), 0;
+  if (t.size() > 1 && t[0] == ':' && digits(xf_trim(t.substr(1)))) {
+    return out.col = clamp(std::stoll(std::string(xf_trim(t.substr(1)))) - 1), 0;
   }
   if (digits(t)) return out.col = clamp(static_cast<int64_t>(col) + std::stoll(std::string(t))), 0;
   if (t.size() > 1 && (t[0] == '+' || t[0] == '-') && digits(t.substr(1))) {
@@ -124,7 +116,7 @@ int xfcm_clocate(const xf_cmd_call& c) {
   if (!xf_ring.file) return 1;
   xf_file& f = *xf_ring.file;
   const bool del = c.ltext.size() > 1 && c.ltext[1] == 'd';
-  std::string_view t = trim(operands(c.text));
+  std::string_view t = xf_trim(xf_operands(c.text));
   if (t.empty() && !del) {
     xf_msg(159, XF_MSG_ERROR);
     rc = 1;

@@ -7,6 +7,7 @@
 #include "editor/handlers.h"
 #include "editor/macros.h"
 #include "editor/messages.h"
+#include "editor/operands.h"
 #include "editor/ring.h"
 #include "editor/state.h"
 #include "editor/fileio.h"
@@ -16,19 +17,7 @@
 
 namespace {
 
-// The operands: the text behind the command word and one blank.
-std::string_view operands(std::string_view text) {
-  std::size_t sp = text.find(' ');
-  if (sp == std::string_view::npos) return {};
-  std::string_view r = text.substr(sp + 1);
-  return r;
-}
 
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
-}
 
 bool all_digits(std::string_view s) {
   if (s.empty()) return false;
@@ -37,15 +26,10 @@ bool all_digits(std::string_view s) {
   return true;
 }
 
-int bad_operands() {
-  xf_msg(16, XF_MSG_ERROR);
-  rc = 1;
-  return 1;
-}
 
 // ON / OFF operand into `value`; no operand reports "..... Is ON" or "..... Is OFF".
 int on_off(std::string_view ops, int32_t& value) {
-  std::string w = xf_lower(trim(ops));
+  std::string w = xf_lower(xf_trim(ops));
   if (w.empty()) {
     xf_msg(value ? 9 : 10, XF_MSG_INFO);
     return 1;
@@ -55,7 +39,7 @@ int on_off(std::string_view ops, int32_t& value) {
   else if (w == "off")
     value = 0;
   else
-    return bad_operands();
+    return xf_bad_operands();
   return 1;
 }
 
@@ -89,14 +73,14 @@ int xfcm_noop(const xf_cmd_call&) {
 }
 
 int xfcm_command(const xf_cmd_call& c) {
-  std::string rest(trim(operands(c.text)));
+  std::string rest(xf_trim(xf_operands(c.text)));
   xf_cmd.prefix_command = true;
   xfcom2(rest, c.work_dir);
   return 1;
 }
 
 int xfcm_macro(const xf_cmd_call& c) {
-  std::string rest(trim(operands(c.text)));
+  std::string rest(xf_trim(xf_operands(c.text)));
   if (rest.empty()) {
     xf_msg(xf_set.macro_on ? 9 : 10, XF_MSG_INFO);
     return 1;
@@ -107,7 +91,7 @@ int xfcm_macro(const xf_cmd_call& c) {
 }
 
 int xfcm_synonym(const xf_cmd_call& c) {
-  std::string_view ops = trim(operands(c.text));
+  std::string_view ops = xf_trim(xf_operands(c.text));
   std::vector<std::string> w = xf_tokens(ops);
   if (w.empty()) {
     xf_msg(xf_set.synonym_on ? 9 : 10, XF_MSG_INFO);
@@ -119,7 +103,7 @@ int xfcm_synonym(const xf_cmd_call& c) {
     return 1;
   }
   if (w0 == "clear") {
-    if (w.size() != 2) return bad_operands();
+    if (w.size() != 2) return xf_bad_operands();
     auto& t = xf_cmd.synonyms;
     for (auto it = t.begin(); it != t.end(); ++it)
       if (it->name == w[1]) {
@@ -131,7 +115,7 @@ int xfcm_synonym(const xf_cmd_call& c) {
   xf_synonym s;
   std::string_view rest = ops;
   auto next_word = [&rest]() {
-    rest = trim(rest);
+    rest = xf_trim(rest);
     std::size_t sp = rest.find(' ');
     std::string_view word = rest.substr(0, sp);
     rest = sp == std::string_view::npos ? std::string_view() : rest.substr(sp + 1);
@@ -140,22 +124,22 @@ int xfcm_synonym(const xf_cmd_call& c) {
   if (w0 == "linend") {
     next_word();
     std::string ch = next_word();
-    if (ch.size() != 1) return bad_operands();
+    if (ch.size() != 1) return xf_bad_operands();
     s.linend = ch[0];
   }
   s.name = next_word();
-  if (s.name.empty()) return bad_operands();
+  if (s.name.empty()) return xf_bad_operands();
   s.min_len = static_cast<int32_t>(s.name.size());
   std::string_view save = rest;
   std::string maybe = next_word();
   if (all_digits(maybe)) {
     s.min_len = std::atoi(maybe.c_str());
-    if (s.min_len < 1 || s.min_len > static_cast<int32_t>(s.name.size())) return bad_operands();
+    if (s.min_len < 1 || s.min_len > static_cast<int32_t>(s.name.size())) return xf_bad_operands();
   } else {
     rest = save;
   }
-  std::string_view def = trim(rest);
-  if (def.empty()) return bad_operands();
+  std::string_view def = xf_trim(rest);
+  if (def.empty()) return xf_bad_operands();
   if (s.linend == ' ') {
     s.defs.emplace_back(def);
   } else {
@@ -163,11 +147,11 @@ int xfcm_synonym(const xf_cmd_call& c) {
     while (i <= def.size()) {
       std::size_t e = def.find(s.linend, i);
       std::string_view piece = def.substr(i, e == std::string_view::npos ? std::string_view::npos : e - i);
-      if (!trim(piece).empty()) s.defs.emplace_back(trim(piece));
+      if (!xf_trim(piece).empty()) s.defs.emplace_back(xf_trim(piece));
       if (e == std::string_view::npos) break;
       i = e + 1;
     }
-    if (s.defs.empty()) return bad_operands();
+    if (s.defs.empty()) return xf_bad_operands();
   }
   for (auto& old : xf_cmd.synonyms)
     if (old.name == s.name) {
@@ -179,7 +163,7 @@ int xfcm_synonym(const xf_cmd_call& c) {
 }
 
 int xfcm_hash(const xf_cmd_call& c) {
-  std::vector<std::string> w = split_quoted(operands(c.text), false);
+  std::vector<std::string> w = split_quoted(xf_operands(c.text), false);
   if (w.empty()) {
     for (auto& t : xf_macros.tables) t.clear();
     for (const std::string& d : xf_run.path_dirs) xf_macro_scan_dir(d);
@@ -205,7 +189,7 @@ int xfcm_hash(const xf_cmd_call& c) {
 }
 
 int xfcm_purge(const xf_cmd_call& c) {
-  std::string_view ops = trim(operands(c.text));
+  std::string_view ops = xf_trim(xf_operands(c.text));
   if (ops.empty() || ops == "*") {
     for (auto& t : xf_macros.tables) t.clear();
     return 1;
@@ -223,7 +207,7 @@ int xfcm_purge(const xf_cmd_call& c) {
 int xfcm_equal(const xf_cmd_call& c) {
   // "=" is a command of its own only as the first byte of the string.
   if (c.text.empty() || c.text[0] != '=') return 0;
-  std::string_view ops = trim(c.text.substr(1));
+  std::string_view ops = xf_trim(c.text.substr(1));
   if (!ops.empty()) {
     xfcom2(ops, c.work_dir);
     if (rc != 0) return 1;
@@ -237,7 +221,7 @@ int xfcm_equal(const xf_cmd_call& c) {
 
 int xfcm_qmark(const xf_cmd_call& c) {
   if (c.text.empty() || c.text[0] != '?') return 0;
-  std::string_view rest = trim(c.text.substr(1));
+  std::string_view rest = xf_trim(c.text.substr(1));
   if (!rest.empty() && rest != "i" && rest != "I") return 0;
   auto& h = xf_cmd.history;
   if (h.empty()) return 1;
@@ -252,7 +236,7 @@ int xfcm_qmark(const xf_cmd_call& c) {
 }
 
 int xfcm_linend(const xf_cmd_call& c) {
-  std::vector<std::string> w = xf_tokens(operands(c.text));
+  std::vector<std::string> w = xf_tokens(xf_operands(c.text));
   if (w.empty()) {
     char buf[64];
     if (static_cast<unsigned char>(xf_set.linend) < 32)
@@ -264,10 +248,10 @@ int xfcm_linend(const xf_cmd_call& c) {
     return 1;
   }
   std::string w0 = xf_lower(w[0]);
-  if (w0 != "on" && w0 != "off") return bad_operands();
-  if (w.size() > 2) return bad_operands();
+  if (w0 != "on" && w0 != "off") return xf_bad_operands();
+  if (w.size() > 2) return xf_bad_operands();
   if (w.size() == 2) {
-    if (w[1].size() != 1) return bad_operands();
+    if (w[1].size() != 1) return xf_bad_operands();
     xf_set.linend = w[1][0];
   }
   xf_set.linend_on = w0 == "on";
@@ -275,7 +259,7 @@ int xfcm_linend(const xf_cmd_call& c) {
 }
 
 int xfcm_impcmscp(const xf_cmd_call& c) {
-  std::string w = xf_lower(trim(operands(c.text)));
+  std::string w = xf_lower(xf_trim(xf_operands(c.text)));
   if (w.empty()) {
     xf_msg(xf_set.impcmscp == 2 ? 162 : xf_set.impcmscp ? 9 : 10, XF_MSG_INFO);
     return 1;
@@ -287,12 +271,12 @@ int xfcm_impcmscp(const xf_cmd_call& c) {
   else if (w == "xon")
     xf_set.impcmscp = 2;
   else
-    return bad_operands();
+    return xf_bad_operands();
   return 1;
 }
 
 int xfcm_history(const xf_cmd_call& c) {
-  std::string w(trim(operands(c.text)));
+  std::string w(xf_trim(xf_operands(c.text)));
   if (w.empty()) {
     xf_msgf(XF_MSG_INFO, "..... Is %d", xf_set.history_max);
     return 1;
@@ -310,10 +294,10 @@ int xfcm_history(const xf_cmd_call& c) {
 }
 
 int xfcm_set(const xf_cmd_call& c) {
-  std::string_view ops = trim(operands(c.text));
-  if (ops.empty()) return bad_operands();
+  std::string_view ops = xf_trim(xf_operands(c.text));
+  if (ops.empty()) return xf_bad_operands();
   if (ops[0] == '=') {  // SET = text: into the history without running it
-    xf_history_add(trim(ops.substr(1)));
+    xf_history_add(xf_trim(ops.substr(1)));
     return 1;
   }
   int32_t matched = 0;
@@ -344,9 +328,9 @@ int xfcm_set(const xf_cmd_call& c) {
 }
 
 int xfcm_query(const xf_cmd_call& c) {
-  std::string_view ops = trim(operands(c.text));
+  std::string_view ops = xf_trim(xf_operands(c.text));
   std::string word = xf_lower(ops.substr(0, ops.find(' ')));
-  if (word.empty()) return bad_operands();
+  if (word.empty()) return xf_bad_operands();
   if (xf_abbrev(word, "synonym", 3)) {
     for (const xf_synonym& s : xf_cmd.synonyms) xf_msg_text(synonym_text(s), XF_MSG_INFO);
     return 1;
@@ -401,8 +385,8 @@ void set_topline(int32_t v) {
 }  // namespace
 
 int xfcm_mode(const xf_cmd_call& c) {
-  std::vector<std::string> w = xf_tokens(xf_lower(operands(c.text)));
-  if (w.empty()) return bad_operands();
+  std::vector<std::string> w = xf_tokens(xf_lower(xf_operands(c.text)));
+  if (w.empty()) return xf_bad_operands();
   if (w[0] == "expand") {
     if (w.size() == 1) {
       int m = xf_set.mode_expand_on ? (xf_set.mode_expand_env ? 192 : 191) : (xf_set.mode_expand_env ? 194 : 193);
@@ -415,7 +399,7 @@ int xfcm_mode(const xf_cmd_call& c) {
       else if (w[i] == "off") on = 0;
       else if (w[i] == "env") env = 1;
       else if (w[i] == "noenv") env = 0;
-      else return bad_operands();
+      else return xf_bad_operands();
     }
     xf_set.mode_expand_on = on;
     xf_set.mode_expand_env = env;
@@ -428,25 +412,25 @@ int xfcm_mode(const xf_cmd_call& c) {
       xf_msg(field ? m.on_msg : m.off_msg, XF_MSG_INFO);
       return 1;
     }
-    if (w.size() != 2) return bad_operands();
+    if (w.size() != 2) return xf_bad_operands();
     int32_t v;
     if (w[1] == m.on_word)
       v = 1;
     else if (w[1] == m.off_word)
       v = 0;
     else
-      return bad_operands();
+      return xf_bad_operands();
     if (m.field == &xf_settings::mode_topline)
       set_topline(v);
     else
       field = v;
     return 1;
   }
-  return bad_operands();
+  return xf_bad_operands();
 }
 
 int xfcm_msg(const xf_cmd_call& c) {
-  std::string_view text = operands(c.text);
+  std::string_view text = xf_operands(c.text);
   bool error = c.row_name.starts_with("e");
   if (text.empty()) {
     if (xf_ring.view) xf_ring.view->messages.clear();
@@ -457,7 +441,7 @@ int xfcm_msg(const xf_cmd_call& c) {
 }
 
 int xfcm_cmsg(const xf_cmd_call& c) {
-  xf_run.command_line = std::string(operands(c.text));
+  xf_run.command_line = std::string(xf_operands(c.text));
   return 1;
 }
 
@@ -467,10 +451,10 @@ int xfcm_qid(const xf_cmd_call&) {
 }
 
 int xfcm_shell(const xf_cmd_call& c) {
-  std::string text(trim(operands(c.text)));
-  if (text.empty()) return bad_operands();
+  std::string text(xf_trim(xf_operands(c.text)));
+  if (text.empty()) return xf_bad_operands();
   bool detach = !text.empty() && text.back() == '&';
-  if (detach) text = std::string(trim(std::string_view(text).substr(0, text.size() - 1)));
+  if (detach) text = std::string(xf_trim(std::string_view(text).substr(0, text.size() - 1)));
   int status = os_run_shell(detach ? text + " </dev/null >/dev/null 2>&1 &" : text);
   if (status < 0) {
     xf_msg(44, XF_MSG_ERROR);

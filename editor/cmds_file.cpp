@@ -8,6 +8,7 @@
 #include "editor/filetype.h"
 #include "editor/handlers.h"
 #include "editor/messages.h"
+#include "editor/operands.h"
 #include "editor/ring.h"
 #include "editor/startup.h"
 #include "editor/state.h"
@@ -17,33 +18,9 @@
 
 namespace {
 
-std::string_view operands(std::string_view text) {
-  std::size_t sp = text.find(' ');
-  return sp == std::string_view::npos ? std::string_view() : text.substr(sp + 1);
-}
 
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
-}
 
-int bad_operands() {
-  xf_msg(16, XF_MSG_ERROR);
-  rc = 1;
-  return 1;
-}
 
-bool parse_int(std::string_view s, int64_t& out) {
-  if (s.empty() || s.size() > 18) return false;
-  int64_t v = 0;
-  for (char ch : s) {
-    if (ch < '0' || ch > '9') return false;
-    v = v * 10 + (ch - '0');
-  }
-  out = v;
-  return true;
-}
 
 // After the current file leaves the ring: with MODE AUTOEXIT the run ends at the last file.
 void after_close() {
@@ -72,7 +49,7 @@ int do_save(const xf_cmd_call& c, bool close) {
     rc = 1;
     return 1;
   }
-  auto target = xf_name_args(operands(c.text), c.work_dir);
+  auto target = xf_name_args(xf_operands(c.text), c.work_dir);
   if (!target) return 1;
   std::string old_name = f.name;
   bool renamed = *target != f.name;
@@ -96,19 +73,19 @@ int do_save(const xf_cmd_call& c, bool close) {
 
 // ON/OFF with an optional `ft name`, for the per-file settings that have filetype tables.
 int file_switch(const xf_cmd_call& c, int kind, int32_t xf_file::*field) {
-  std::vector<std::string> w = xf_tokens(xf_lower(operands(c.text)));
+  std::vector<std::string> w = xf_tokens(xf_lower(xf_operands(c.text)));
   if (w.empty()) {
     if (!xf_ring.file) return 1;
     xf_msg(xf_ring.file->*field ? 9 : 10, XF_MSG_INFO);
     return 1;
   }
-  if (w[0] != "on" && w[0] != "off") return bad_operands();
+  if (w[0] != "on" && w[0] != "off") return xf_bad_operands();
   int32_t v = w[0] == "on";
   if (w.size() == 3 && w[1] == "ft") {
     xf_ft_set(kind, w[2], {v});
     return 1;
   }
-  if (w.size() != 1) return bad_operands();
+  if (w.size() != 1) return xf_bad_operands();
   if (kind == XF_FT_KEEPBLANKS) xf_ft.force_keep_blanks = v;
   if (kind == XF_FT_BINARY) xf_ft.force_binary = v;
   if (!xf_ring.file) return 1;
@@ -119,7 +96,7 @@ int file_switch(const xf_cmd_call& c, int kind, int32_t xf_file::*field) {
 
 // A number or "*" with an optional `ft name`, for LRecl and TRUnc.
 int file_number(const xf_cmd_call& c, int kind, int32_t xf_file::*field) {
-  std::vector<std::string> w = xf_tokens(xf_lower(operands(c.text)));
+  std::vector<std::string> w = xf_tokens(xf_lower(xf_operands(c.text)));
   if (w.empty()) {
     if (!xf_ring.file) return 1;
     int32_t v = xf_ring.file->*field;
@@ -130,7 +107,7 @@ int file_number(const xf_cmd_call& c, int kind, int32_t xf_file::*field) {
     return 1;
   }
   int64_t n = 0;
-  if (w[0] != "*" && (!parse_int(w[0], n) || n < 1 || n > 0x7ffffffe)) {
+  if (w[0] != "*" && (!xf_parse_digits(w[0], 18, n) || n < 1 || n > 0x7ffffffe)) {
     xf_msg(16, XF_MSG_ERROR);
     rc = 5;
     return 1;
@@ -140,7 +117,7 @@ int file_number(const xf_cmd_call& c, int kind, int32_t xf_file::*field) {
     xf_ft_set(kind, w[2], {v});
     return 1;
   }
-  if (w.size() != 1) return bad_operands();
+  if (w.size() != 1) return xf_bad_operands();
   if (xf_ring.file) xf_ring.file->*field = v;
   return 1;
 }
@@ -151,7 +128,7 @@ int xfcm_save(const xf_cmd_call& c) { return do_save(c, false); }
 int xfcm_file(const xf_cmd_call& c) { return do_save(c, true); }
 
 int xfcm_xedit(const xf_cmd_call& c) {
-  std::vector<std::string> w = split_quoted(operands(c.text), false);
+  std::vector<std::string> w = split_quoted(xf_operands(c.text), false);
   if (w.empty()) return 1;
   for (const std::string& name : w)
     if (xf_open(name, c.work_dir, false) != 0) rc = 1;
@@ -162,7 +139,7 @@ int xfcm_xext(const xf_cmd_call& c) {
   static const std::pair<const char*, const char*> ext[] = {
       {"xc", ".c"},  {"xf", ".f"},    {"xfl", ".flist"},   {"xp", ".p"},  {"xm", ".mem"},  {"xt", ".txt"},
       {"xh", ".h"},  {"xi", ".dbxinit"}, {"xx", ".x"}, {"xe", ".ex"}, {"xs", ".tolva"}};
-  std::vector<std::string> w = split_quoted(operands(c.text), false);
+  std::vector<std::string> w = split_quoted(xf_operands(c.text), false);
   if (w.empty()) return 1;
   for (auto& [row, e] : ext)
     if (c.row_name == row) {
@@ -190,18 +167,18 @@ int xfcm_exit(const xf_cmd_call&) { xf_exit(); }
 
 int xfcm_rw(const xf_cmd_call& c) {
   if (!xf_ring.file) return 1;
-  std::string w = xf_lower(trim(operands(c.text)));
+  std::string w = xf_lower(xf_trim(xf_operands(c.text)));
   if (w.empty()) {
     xf_msg(xf_ring.file->read_write ? 9 : 10, XF_MSG_INFO);
     return 1;
   }
-  if (w != "on" && w != "off") return bad_operands();
+  if (w != "on" && w != "off") return xf_bad_operands();
   xf_ring.file->read_write = w == "on";
   return 1;
 }
 
 int xfcm_fileconv(const xf_cmd_call& c) {
-  std::vector<std::string> w = xf_tokens(xf_lower(operands(c.text)));
+  std::vector<std::string> w = xf_tokens(xf_lower(xf_operands(c.text)));
   auto word = [](int32_t unix_) { return unix_ ? "UNIX" : "WINDOWS"; };
   if (w.empty()) {
     std::string cur = xf_ring.file ? word(xf_ring.file->eol_unix) : "*";
@@ -209,15 +186,15 @@ int xfcm_fileconv(const xf_cmd_call& c) {
             word(xf_set.new_file_eol));
     return 1;
   }
-  if (w.size() > 3) return bad_operands();
+  if (w.size() > 3) return xf_bad_operands();
   auto valid = [](const std::string& s, std::initializer_list<const char*> ok) {
     for (const char* o : ok)
       if (s == o) return true;
     return false;
   };
-  if (!valid(w[0], {"windows", "unix", "*"})) return bad_operands();
-  if (w.size() > 1 && !valid(w[1], {"auto", "unix", "*"})) return bad_operands();
-  if (w.size() > 2 && !valid(w[2], {"windows", "unix", "*"})) return bad_operands();
+  if (!valid(w[0], {"windows", "unix", "*"})) return xf_bad_operands();
+  if (w.size() > 1 && !valid(w[1], {"auto", "unix", "*"})) return xf_bad_operands();
+  if (w.size() > 2 && !valid(w[2], {"windows", "unix", "*"})) return xf_bad_operands();
   if (w[0] != "*" && xf_ring.file) {
     xf_ring.file->eol_unix = w[0] == "unix";
     xf_build_id_text();
@@ -228,7 +205,7 @@ int xfcm_fileconv(const xf_cmd_call& c) {
 }
 
 int xfcm_autobin(const xf_cmd_call& c) {
-  std::vector<std::string> w = xf_tokens(xf_lower(operands(c.text)));
+  std::vector<std::string> w = xf_tokens(xf_lower(xf_operands(c.text)));
   if (w.empty()) {
     std::string t = xf_set.auto_binary ? "..... Is ON" : "..... Is OFF";
     char buf[8];
@@ -239,7 +216,7 @@ int xfcm_autobin(const xf_cmd_call& c) {
     xf_msg_text(t, XF_MSG_INFO);
     return 1;
   }
-  if (w[0] != "on" && w[0] != "off") return bad_operands();
+  if (w[0] != "on" && w[0] != "off") return xf_bad_operands();
   std::vector<unsigned char> bytes;
   for (std::size_t i = 1; i < w.size(); ++i) {
     const std::string& s = w[i];
@@ -255,7 +232,7 @@ int xfcm_autobin(const xf_cmd_call& c) {
     }
     char* end = nullptr;
     long v = digits.empty() ? -1 : std::strtol(digits.c_str(), &end, base);
-    if (!end || *end || v < 0 || v > 255) return bad_operands();
+    if (!end || *end || v < 0 || v > 255) return xf_bad_operands();
     bytes.push_back(static_cast<unsigned char>(v));
   }
   xf_set.auto_binary = w[0] == "on";
@@ -264,16 +241,16 @@ int xfcm_autobin(const xf_cmd_call& c) {
 }
 
 int xfcm_backup(const xf_cmd_call& c) {
-  std::vector<std::string> w = split_quoted(operands(c.text), true);
+  std::vector<std::string> w = split_quoted(xf_operands(c.text), true);
   if (w.empty()) {
     xf_msgf(XF_MSG_INFO, "..... Is %s \"%s\" \"%s\"", xf_set.backup_on ? "ON" : "OFF", xf_set.backup_suffix.c_str(),
             xf_set.backup_suffix_reload.c_str());
     return 1;
   }
   std::string w0 = xf_lower(w[0]);
-  if ((w0 != "on" && w0 != "off") || w.size() > 3) return bad_operands();
+  if ((w0 != "on" && w0 != "off") || w.size() > 3) return xf_bad_operands();
   for (std::size_t i = 1; i < w.size(); ++i)
-    if (w[i].empty() || w[i].find('/') != std::string::npos) return bad_operands();
+    if (w[i].empty() || w[i].find('/') != std::string::npos) return xf_bad_operands();
   xf_set.backup_on = w0 == "on";
   if (w.size() > 1) xf_set.backup_suffix = w[1];
   if (w.size() > 2) xf_set.backup_suffix_reload = w[2];
@@ -281,18 +258,18 @@ int xfcm_backup(const xf_cmd_call& c) {
 }
 
 int xfcm_preservlinks(const xf_cmd_call& c) {
-  std::string w = xf_lower(trim(operands(c.text)));
+  std::string w = xf_lower(xf_trim(xf_operands(c.text)));
   if (w.empty()) {
     xf_msg(xf_set.preserve_links ? 9 : 10, XF_MSG_INFO);
     return 1;
   }
-  if (w != "on" && w != "off") return bad_operands();
+  if (w != "on" && w != "off") return xf_bad_operands();
   xf_set.preserve_links = w == "on";
   return 1;
 }
 
 int xfcm_limit(const xf_cmd_call& c) {
-  std::string w(trim(operands(c.text)));
+  std::string w(xf_trim(xf_operands(c.text)));
   if (w.empty()) {
     xf_msgf(XF_MSG_INFO, "..... Is %lld", static_cast<long long>(xf_set.limit));
     return 1;
@@ -307,7 +284,7 @@ int xfcm_limit(const xf_cmd_call& c) {
   }
   if (shift) w.pop_back();
   int64_t n = 0;
-  if (!parse_int(w, n) || (shift && n > (INT64_C(1) << (62 - shift)))) {
+  if (!xf_parse_digits(w, 18, n) || (shift && n > (INT64_C(1) << (62 - shift)))) {
     xf_msg(16, XF_MSG_ERROR);
     rc = 5;
     return 1;
@@ -317,16 +294,16 @@ int xfcm_limit(const xf_cmd_call& c) {
 }
 
 int xfcm_lastfiles(const xf_cmd_call& c) {
-  std::vector<std::string> w = xf_tokens(operands(c.text));
+  std::vector<std::string> w = xf_tokens(xf_operands(c.text));
   if (w.empty()) {
     xf_msgf(XF_MSG_INFO, "..... is %s %d %s", xf_set.last_files_on ? "ON" : "OFF", xf_set.last_files_max,
             xf_set.last_files_path.c_str());
     return 1;
   }
   std::string w0 = xf_lower(w[0]);
-  if ((w0 != "on" && w0 != "off") || w.size() > 3) return bad_operands();
+  if ((w0 != "on" && w0 != "off") || w.size() > 3) return xf_bad_operands();
   int64_t n = xf_set.last_files_max;
-  if (w.size() > 1 && (!parse_int(w[1], n) || n < 1 || n > 1000)) return bad_operands();
+  if (w.size() > 1 && (!xf_parse_digits(w[1], 18, n) || n < 1 || n > 1000)) return xf_bad_operands();
   xf_set.last_files_on = w0 == "on";
   xf_set.last_files_max = static_cast<int32_t>(n);
   if (w.size() > 2) xf_set.last_files_path = w[2];

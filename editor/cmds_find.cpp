@@ -6,6 +6,7 @@
 #include "editor/find.h"
 #include "editor/handlers.h"
 #include "editor/messages.h"
+#include "editor/operands.h"
 #include "editor/regex.h"
 #include "editor/ring.h"
 #include "editor/state.h"
@@ -15,16 +16,7 @@ namespace {
 
 constexpr int32_t top_level = 0x7fffffff;
 
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
-}
 
-std::string_view operands(std::string_view text) {
-  std::size_t sp = text.find(' ');
-  return sp == std::string_view::npos ? std::string_view() : text.substr(sp + 1);
-}
 
 int fail(int msg, int code) {
   xf_msg(msg, XF_MSG_ERROR);
@@ -204,7 +196,7 @@ int xfcm_rlocate(const xf_cmd_call& c) {
 }
 
 int xfcm_regtype(const xf_cmd_call& c) {
-  std::string w = xf_lower(trim(operands(c.text)));
+  std::string w = xf_lower(xf_trim(xf_operands(c.text)));
   if (w.empty()) return xf_msg(xf_re.kind == XF_RE_LEGACY ? 208 : 209, XF_MSG_INFO), 1;
   if (std::string_view("legacy").starts_with(w))
     xf_re.kind = XF_RE_LEGACY;
@@ -334,7 +326,7 @@ bool parse_scope(std::string_view t, scope_expr& e) {
       it.word = delim == '\\' && it.kind == scope_item::TEXT;
       std::size_t close = t.find(delim, p + 1);
       if (close == std::string_view::npos) {
-        it.text.assign(trim(t.substr(p + 1)));
+        it.text.assign(xf_trim(t.substr(p + 1)));
         p = n;
       } else {
         it.text.assign(t.substr(p + 1, close - p - 1));
@@ -423,7 +415,7 @@ int scope_command(std::string_view ops, scope_cmd which) {
   xf_view& v = *xf_ring.view;
   const int32_t high = v.display[1];
   const int32_t hide = high == top_level ? top_level : high + 1;
-  ops = trim(ops);
+  ops = xf_trim(ops);
   if (ops.empty()) {
     if (which == SC_SHOW) return fail(159, 1);
     for (int32_t l = 0; l < f.size; ++l) f.select[l] = which == SC_ALL ? high : hide;
@@ -483,7 +475,7 @@ std::string_view glued_operands(const xf_cmd_call& c) {
 
 }  // namespace
 
-int xfcm_all(const xf_cmd_call& c) { return scope_command(operands(c.text), SC_ALL); }
+int xfcm_all(const xf_cmd_call& c) { return scope_command(xf_operands(c.text), SC_ALL); }
 int xfcm_xedexclude(const xf_cmd_call& c) { return scope_command(glued_operands(c), SC_EXCLUDE); }
 int xfcm_show(const xf_cmd_call& c) { return scope_command(glued_operands(c), SC_SHOW); }
 
@@ -495,11 +487,11 @@ int xfcm_exclude(const xf_cmd_call& c) {
 int xfcm_select(const xf_cmd_call& c) {
   if (!xf_ring.file) return 1;
   xf_file& f = *xf_ring.file;
-  std::string_view ops = trim(operands(c.text));
+  std::string_view ops = xf_trim(xf_operands(c.text));
   if (ops.empty()) return fail(159, 5);
   std::size_t sp = ops.find(' ');
   std::string_view num = ops.substr(0, sp);
-  std::string_view range = sp == std::string_view::npos ? std::string_view() : trim(ops.substr(sp));
+  std::string_view range = sp == std::string_view::npos ? std::string_view() : xf_trim(ops.substr(sp));
   char sign = 0;
   if (!num.empty() && (num[0] == '+' || num[0] == '-')) {
     sign = num[0];

@@ -7,6 +7,7 @@
 #include "editor/filetype.h"
 #include "editor/handlers.h"
 #include "editor/messages.h"
+#include "editor/operands.h"
 #include "editor/ring.h"
 #include "editor/state.h"
 #include "editor/target.h"
@@ -14,45 +15,21 @@
 
 namespace {
 
-std::string_view operands(std::string_view text) {
-  std::size_t sp = text.find(' ');
-  return sp == std::string_view::npos ? std::string_view() : text.substr(sp + 1);
-}
 
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
-}
 
-int bad_operands(int code = 1) {
-  xf_msg(16, XF_MSG_ERROR);
-  rc = code;
-  return 1;
-}
 
 // A plain ON/OFF switch; no operand reports it.
 int switch_setting(const xf_cmd_call& c, int32_t& value) {
-  std::string w = xf_lower(trim(operands(c.text)));
+  std::string w = xf_lower(xf_trim(xf_operands(c.text)));
   if (w.empty())
     xf_msg(value ? 9 : 10, XF_MSG_INFO);
   else if (w == "on" || w == "off")
     value = w == "on";
   else
-    return bad_operands();
+    return xf_bad_operands();
   return 1;
 }
 
-bool read_number(std::string_view s, int32_t& n) {
-  if (s.empty() || s.size() > 9) return false;
-  int32_t v = 0;
-  for (char ch : s) {
-    if (ch < '0' || ch > '9') return false;
-    v = v * 10 + (ch - '0');
-  }
-  n = v;
-  return true;
-}
 
 // The operands of a command as typed: behind the name's letters and one blank.
 std::string_view after_name(std::string_view s) {
@@ -68,7 +45,7 @@ const char* const case_words[4] = {"Mixed Ignore", "Mixed Respect", "Uppercase I
 }  // namespace
 
 int xfcm_arbchar(const xf_cmd_call& c) {
-  std::vector<std::string> w = xf_tokens(trim(operands(c.text)));
+  std::vector<std::string> w = xf_tokens(xf_trim(xf_operands(c.text)));
   if (w.empty()) {
     xf_msgf(XF_MSG_INFO, "..... is %s %c", xf_search.arb_on ? "ON" : "OFF", xf_search.arb);
     return 1;
@@ -82,18 +59,18 @@ int xfcm_arbchar(const xf_cmd_call& c) {
     k = 1;
   }
   if (k < w.size()) {
-    if (w[k].size() != 1) return bad_operands();
+    if (w[k].size() != 1) return xf_bad_operands();
     ch = w[k][0];
     ++k;
   }
-  if (k != w.size()) return bad_operands();
+  if (k != w.size()) return xf_bad_operands();
   xf_search.arb_on = on;
   xf_search.arb = ch;
   return 1;
 }
 
 int xfcm_span(const xf_cmd_call& c) {
-  std::vector<std::string> w = xf_tokens(xf_lower(trim(operands(c.text))));
+  std::vector<std::string> w = xf_tokens(xf_lower(xf_trim(xf_operands(c.text))));
   if (w.empty()) {
     std::string n = xf_search.span_lines == 0 ? "*" : std::to_string(xf_search.span_lines);
     xf_msgf(XF_MSG_INFO, "..... Is %s%s%s", xf_search.span_on ? "ON " : "OFF ", xf_search.span_blank ? "B " : "N ",
@@ -113,11 +90,11 @@ int xfcm_span(const xf_cmd_call& c) {
   if (k < w.size()) {
     if (w[k] == "*")
       lines = 0;
-    else if (!read_number(w[k], lines) || lines < 1)
-      return bad_operands();
+    else if (!xf_parse_count(w[k], lines) || lines < 1)
+      return xf_bad_operands();
     ++k;
   }
-  if (k != w.size()) return bad_operands();
+  if (k != w.size()) return xf_bad_operands();
   xf_search.span_on = on;
   xf_search.span_blank = blank;
   xf_search.span_lines = lines;
@@ -141,7 +118,7 @@ int xfcm_hex(const xf_cmd_call& c) {
 }
 
 int xfcm_scope(const xf_cmd_call& c) {
-  std::string w = xf_lower(trim(operands(c.text)));
+  std::string w = xf_lower(xf_trim(xf_operands(c.text)));
   xf_view& v = *xf_ring.view;
   if (w.empty())
     xf_msg(v.scope == 1 ? 53 : 52, XF_MSG_INFO);
@@ -150,13 +127,13 @@ int xfcm_scope(const xf_cmd_call& c) {
   else if (std::string_view("all").starts_with(w))
     v.scope = 1;
   else
-    return bad_operands();
+    return xf_bad_operands();
   return 1;
 }
 
 int xfcm_lastlorc(const xf_cmd_call& c) {
-  std::string_view ops = operands(c.text);
-  if (trim(ops).empty())
+  std::string_view ops = xf_operands(c.text);
+  if (xf_trim(ops).empty())
     xf_msgf(XF_MSG_INFO, "..... %s", xf_search.last_locate.c_str());
   else
     xf_search.last_locate.assign(ops);
@@ -165,7 +142,7 @@ int xfcm_lastlorc(const xf_cmd_call& c) {
 
 // CASE [Uppercase|Mixed] [Respect|Ignore] [CRespect|CIgnore] [SRespect|SIgnore] [ft name]
 int xfcm_case(const xf_cmd_call& c) {
-  std::vector<std::string> w = xf_tokens(xf_lower(trim(operands(c.text))));
+  std::vector<std::string> w = xf_tokens(xf_lower(xf_trim(xf_operands(c.text))));
   xf_file* f = xf_ring.file;
   if (w.empty()) {
     if (!f) return 1;
@@ -190,7 +167,7 @@ int xfcm_case(const xf_cmd_call& c) {
     else if (is("mixed", 1)) upper = false;
     else if (is("respect", 1)) ignore = false;
     else if (is("ignore", 1)) ignore = true;
-    else return bad_operands();
+    else return xf_bad_operands();
   }
   int32_t value = upper ? (ignore ? 2 : 3) : (ignore ? 0 : 1);
   if (!ft.empty()) {
@@ -210,14 +187,14 @@ int xfcm_zone(const xf_cmd_call& c) {
   xf_view& v = *xf_ring.view;
   if (!screen && !xf_ring.file) return 1;
   xf_view_file& vf = screen ? v.defaults : v.per_file[xf_ring.file_no];
-  std::vector<std::string> w = xf_tokens(trim(operands(c.text)));
+  std::vector<std::string> w = xf_tokens(xf_trim(xf_operands(c.text)));
   if (w.empty()) {
     xf_msgf(XF_MSG_INFO, "...... is %d %d", vf.zone_first + 1, vf.zone_last + 1);
     return 1;
   }
   int32_t a = 0, b = 0x7fffffff;
-  if (w.size() > 2 || !read_number(w[0], a) || a < 1) return bad_operands();
-  if (w.size() == 2 && w[1] != "*" && (!read_number(w[1], b) || b < a)) return bad_operands();
+  if (w.size() > 2 || !xf_parse_count(w[0], a) || a < 1) return xf_bad_operands();
+  if (w.size() == 2 && w[1] != "*" && (!xf_parse_count(w[1], b) || b < a)) return xf_bad_operands();
   vf.zone_first = a - 1;
   vf.zone_last = b - 1;
   return 1;
@@ -227,7 +204,7 @@ int xfcm_zone(const xf_cmd_call& c) {
 int xfcm_point(const xf_cmd_call& c) {
   if (!xf_ring.file) return 1;
   xf_file& f = *xf_ring.file;
-  std::vector<std::string> w = xf_tokens(trim(operands(c.text)));
+  std::vector<std::string> w = xf_tokens(xf_trim(xf_operands(c.text)));
   int32_t cur = xf_current_line();
   auto invalid = []() {
     xf_msg(16, XF_MSG_ERROR);
@@ -295,7 +272,7 @@ int xfcm_point(const xf_cmd_call& c) {
 int xfcm_xedlocate(const xf_cmd_call& c) {
   // With ARBchar ON $ the operand is read as typed, before "$" words were replaced.
   bool raw = xf_search.arb_on && xf_search.arb == '$';
-  xf_locate(raw ? after_name(c.com) : operands(c.text), c.work_dir);
+  xf_locate(raw ? after_name(c.com) : xf_operands(c.text), c.work_dir);
   return 1;
 }
 

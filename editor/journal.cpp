@@ -7,22 +7,14 @@
 
 #include "editor/handlers.h"
 #include "editor/messages.h"
+#include "editor/operands.h"
 #include "editor/ring.h"
 #include "editor/state.h"
 #include "editor/trace.h"
 
 namespace {
 
-std::string_view operands(std::string_view text) {
-  std::size_t sp = text.find(' ');
-  return sp == std::string_view::npos ? std::string_view() : text.substr(sp + 1);
-}
 
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
-}
 
 void restore_levels(xf_file& f, int32_t first, const std::vector<int32_t>& levels) {
   for (std::size_t k = 0; k < levels.size() && first + static_cast<int32_t>(k) < f.size; ++k)
@@ -94,22 +86,7 @@ void run_again(xf_file& f, xf_jrecord& r) {
   }
 }
 
-int bad_operands() {
-  xf_msg(16, XF_MSG_ERROR);
-  rc = 1;
-  return 1;
-}
 
-bool parse_count(std::string_view s, int32_t& out) {
-  if (s.empty() || s.size() > 9) return false;
-  int32_t v = 0;
-  for (char ch : s) {
-    if (ch < '0' || ch > '9') return false;
-    v = v * 10 + (ch - '0');
-  }
-  out = v;
-  return true;
-}
 
 }  // namespace
 
@@ -170,14 +147,14 @@ void xf_new_step() {
 }
 
 int xfcm_undo(const xf_cmd_call& c) {
-  std::string op = xf_lower(trim(operands(c.text)));
+  std::string op = xf_lower(xf_trim(xf_operands(c.text)));
   int32_t n = 1;
   bool all = false;
   if (!op.empty()) {
     if (op[0] == 'a')
       all = true;
-    else if (!parse_count(op, n))
-      return bad_operands();
+    else if (!xf_parse_count(op, n))
+      return xf_bad_operands();
   }
   if (!xf_ring.file) return 1;
   for (int32_t k = 0; all || k < n; ++k)
@@ -191,7 +168,7 @@ int xfcm_redo(const xf_cmd_call&) {
 }
 
 int xfcm_alt(const xf_cmd_call& c) {
-  std::vector<std::string> w = xf_tokens(trim(operands(c.text)));
+  std::vector<std::string> w = xf_tokens(xf_trim(xf_operands(c.text)));
   if (!xf_ring.file) return 1;
   xf_file& f = *xf_ring.file;
   if (w.empty()) {
@@ -199,7 +176,7 @@ int xfcm_alt(const xf_cmd_call& c) {
     return 1;
   }
   int32_t a = 0, s = 0;
-  if (w.size() > 2 || !parse_count(w[0], a) || (w.size() == 2 && !parse_count(w[1], s))) return bad_operands();
+  if (w.size() > 2 || !xf_parse_count(w[0], a) || (w.size() == 2 && !xf_parse_count(w[1], s))) return xf_bad_operands();
   f.alt_auto = a;
   if (w.size() == 2) {
     // Bringing the change count to 0 is a save as far as the journal is concerned.
@@ -210,12 +187,12 @@ int xfcm_alt(const xf_cmd_call& c) {
 }
 
 int xfcm_saveclearundo(const xf_cmd_call& c) {
-  std::string w = xf_lower(trim(operands(c.text)));
+  std::string w = xf_lower(xf_trim(xf_operands(c.text)));
   if (w.empty())
     xf_msg(xf_set.save_clear_undo ? 9 : 10, XF_MSG_INFO);
   else if (w == "on" || w == "off")
     xf_set.save_clear_undo = w == "on";
   else
-    return bad_operands();
+    return xf_bad_operands();
   return 1;
 }

@@ -9,6 +9,7 @@
 #include "editor/fileio.h"
 #include "editor/handlers.h"
 #include "editor/messages.h"
+#include "editor/operands.h"
 #include "editor/ring.h"
 #include "editor/state.h"
 #include "editor/target.h"
@@ -22,43 +23,24 @@ namespace {
 
 constexpr int32_t big_column = 100000;
 
-std::string_view operands(std::string_view text) {
-  std::size_t sp = text.find(' ');
-  return sp == std::string_view::npos ? std::string_view() : text.substr(sp + 1);
-}
 
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
-  while (!s.empty() && s.back() == ' ') s.remove_suffix(1);
-  return s;
-}
 
-bool read_number(std::string_view s, int32_t& n) {
-  if (s.empty() || s.size() > 9) return false;
-  int32_t v = 0;
-  for (char ch : s) {
-    if (ch < '0' || ch > '9') return false;
-    v = v * 10 + (ch - '0');
-  }
-  n = v;
-  return true;
-}
 
 // Splits off the first blank-delimited word.
 std::string_view next_word(std::string_view& s) {
-  s = trim(s);
+  s = xf_trim(s);
   std::size_t sp = s.find(' ');
   std::string_view w = s.substr(0, sp);
-  s = sp == std::string_view::npos ? std::string_view() : trim(s.substr(sp));
+  s = sp == std::string_view::npos ? std::string_view() : xf_trim(s.substr(sp));
   return w;
 }
 
 // Splits off the target at the front.
 std::string_view next_target(std::string_view& s) {
-  s = trim(s);
+  s = xf_trim(s);
   std::size_t n = static_cast<std::size_t>(xf_target_length(s));
   std::string_view t = s.substr(0, n);
-  s = trim(s.substr(n));
+  s = xf_trim(s.substr(n));
   return t;
 }
 
@@ -253,7 +235,7 @@ std::vector<std::string> split_file(const std::string& data, bool keep_blanks) {
 
 int xed_replace(const xf_cmd_call& c) {
   if (!writable()) return 1;
-  std::string_view text = operands(c.text);
+  std::string_view text = xf_operands(c.text);
   one_change ch;
   int32_t cur = current();
   if (!real_line(cur)) {
@@ -269,7 +251,7 @@ int xed_replace(const xf_cmd_call& c) {
 int xed_delete(const xf_cmd_call& c) {
   if (!writable()) return 1;
   line_range r;
-  if (!range_of(trim(operands(c.text)), r)) return 1;
+  if (!range_of(xf_trim(xf_operands(c.text)), r)) return 1;
   rc = r.fell;
   int32_t cur = current();
   std::vector<int32_t> lines = scoped_lines(r.first, r.last);
@@ -292,7 +274,7 @@ int pdf_delete(const xf_cmd_call& c) {
   xf_file& f = file();
   bool all = false, x = false, nx = false;
   std::vector<int32_t> labels;
-  for (const std::string& w : xf_tokens(trim(operands(c.text)))) {
+  for (const std::string& w : xf_tokens(xf_trim(xf_operands(c.text)))) {
     std::string lw = xf_lower(w);
     if (lw == "all") all = true;
     else if (lw == "x") x = true;
@@ -326,7 +308,7 @@ int pdf_delete(const xf_cmd_call& c) {
 // COPY and MOVE: target 1 gives the lines, target 2 the line they go behind.
 int xed_copy_move(const xf_cmd_call& c, bool move) {
   if (!writable()) return 1;
-  std::string_view ops = operands(c.text);
+  std::string_view ops = xf_operands(c.text);
   std::string t1(next_target(ops));
   std::string t2(next_target(ops));
   if (t1.empty() || t2.empty()) return fail(159, 5);
@@ -356,13 +338,13 @@ int xed_copy_move(const xf_cmd_call& c, bool move) {
 
 int xed_duplicate(const xf_cmd_call& c) {
   if (!writable()) return 1;
-  std::string_view ops = operands(c.text);
+  std::string_view ops = xf_operands(c.text);
   std::string_view nw = next_word(ops);
   int32_t times = 1;
-  if (!nw.empty() && !read_number(nw, times)) return invalid_operand(nw);
+  if (!nw.empty() && !xf_parse_count(nw, times)) return invalid_operand(nw);
   if (times == 0) return 1;
   int32_t cur = current();
-  if (cur < 0 && trim(ops).empty()) {  // from the top of file: blank lines
+  if (cur < 0 && xf_trim(ops).empty()) {  // from the top of file: blank lines
     if (beyond_line_limit(times)) return 1;
     one_change ch;
     std::vector<xf_text> texts;
@@ -403,13 +385,13 @@ std::string overlay(std::string_view dst, std::string_view src) {
 
 int merge(const xf_cmd_call& c) {
   if (!writable()) return 1;
-  std::string_view ops = operands(c.text);
+  std::string_view ops = xf_operands(c.text);
   std::string t1(next_target(ops));
   std::string t2(next_target(ops));
   if (t1.empty() || t2.empty()) return fail(159, 5);
   int32_t col = 1;
   std::string_view cw = next_word(ops);
-  if (!cw.empty() && (!read_number(cw, col) || col < 1)) return invalid_operand(cw);
+  if (!cw.empty() && (!xf_parse_count(cw, col) || col < 1)) return invalid_operand(cw);
   if (!ops.empty()) return fail(16, 5);
   line_range r;
   if (!range_of(t1, r)) return 1;
@@ -456,7 +438,7 @@ int merge(const xf_cmd_call& c) {
 }
 
 int shift(const xf_cmd_call& c) {
-  std::string_view ops = trim(operands(c.text));
+  std::string_view ops = xf_trim(xf_operands(c.text));
   if (!xf_ring.file) return 1;
   if (ops.empty()) return fail(159, 5);
   std::string_view dw = next_word(ops);
@@ -470,7 +452,7 @@ int shift(const xf_cmd_call& c) {
     return invalid_operand(dw);
   int32_t n = 1;
   std::string_view nw = next_word(ops);
-  if (!nw.empty() && !read_number(nw, n)) return invalid_operand(nw);
+  if (!nw.empty() && !xf_parse_count(nw, n)) return invalid_operand(nw);
   if (!writable()) return 1;
   line_range r;
   if (!range_of(ops, r)) return 1;
@@ -485,7 +467,7 @@ int shift(const xf_cmd_call& c) {
 int change_case(const xf_cmd_call& c, bool upper) {
   if (!writable()) return 1;
   line_range r;
-  if (!range_of(trim(operands(c.text)), r)) return 1;
+  if (!range_of(xf_trim(xf_operands(c.text)), r)) return 1;
   rc = r.fell;
   const xf_view_file& vf = xf_ring.view->per_file[xf_ring.file_no];
   one_change ch;
@@ -560,7 +542,7 @@ bool pointer_in_zone() {
 }
 
 // The text operand of the column commands: everything one blank behind the command word.
-std::string_view column_text(const xf_cmd_call& c) { return operands(c.text); }
+std::string_view column_text(const xf_cmd_call& c) { return xf_operands(c.text); }
 
 int cinsert(const xf_cmd_call& c) {
   if (!writable()) return 1;
@@ -639,14 +621,14 @@ int cappend(const xf_cmd_call& c) {
 // STAck [target [col [n|*]]]: lines onto the REXX stack.
 int stack(const xf_cmd_call& c) {
   if (!xf_ring.file) return 1;
-  std::string_view ops = operands(c.text);
-  std::string whole(trim(ops));
+  std::string_view ops = xf_operands(c.text);
+  std::string whole(xf_trim(ops));
   std::string t(next_target(ops));
   int32_t col = 1, n = -1;
   std::string_view cw = next_word(ops);
-  if (!cw.empty() && (!read_number(cw, col) || col < 1)) return invalid_operand(whole);
+  if (!cw.empty() && (!xf_parse_count(cw, col) || col < 1)) return invalid_operand(whole);
   std::string_view nw = next_word(ops);
-  if (!nw.empty() && nw != "*" && !read_number(nw, n)) return invalid_operand(whole);
+  if (!nw.empty() && nw != "*" && !xf_parse_count(nw, n)) return invalid_operand(whole);
   if (!ops.empty()) return invalid_operand(whole);
   line_range r;
   if (!range_of(t, r)) return 1;
@@ -670,7 +652,7 @@ int stack(const xf_cmd_call& c) {
 int put(const xf_cmd_call& c, bool and_delete) {
   if (!xf_ring.file) return 1;
   if (and_delete && !writable()) return 1;
-  std::string_view ops = operands(c.text);
+  std::string_view ops = xf_operands(c.text);
   std::string t(next_target(ops));
   std::string path;
   if (!ops.empty() && !file_operand(ops, path)) return fail(16, 5);
@@ -725,23 +707,23 @@ int put(const xf_cmd_call& c, bool and_delete) {
 // Get [file [first [count]]]: lines of a file, or the prefix buffer, behind the current line.
 int get(const xf_cmd_call& c) {
   if (!writable()) return 1;
-  std::string_view ops = operands(c.text);
+  std::string_view ops = xf_operands(c.text);
   std::vector<std::string> lines;
   xf_file& f = file();
-  if (trim(ops).empty()) {
+  if (xf_trim(ops).empty()) {
     lines = xf_lcmd.prefix_buffer;
   } else {
-    std::vector<std::string> w = xf_tokens(trim(ops));
+    std::vector<std::string> w = xf_tokens(xf_trim(ops));
     // Trailing numbers are the first record and the count.
     int32_t first = 1, count = -1;
     std::size_t names = w.size();
-    auto number_at = [&](std::size_t k, int32_t& v) { return k < w.size() && read_number(w[k], v); };
+    auto number_at = [&](std::size_t k, int32_t& v) { return k < w.size() && xf_parse_count(w[k], v); };
     if (names >= 2 && (number_at(names - 1, first) || w[names - 1] == "*")) {
       if (names >= 3 && number_at(names - 2, first)) {
         if (w[names - 1] == "*")
           count = -1;
         else
-          read_number(w[names - 1], count);
+          xf_parse_count(w[names - 1], count);
         names -= 2;
       } else {
         if (w[names - 1] == "*") return fail(16, 5);
@@ -794,7 +776,7 @@ int get(const xf_cmd_call& c) {
 // REPEat [target]: down (or up) one line and the command before REPEat again, for each line of the range.
 int repeat(const xf_cmd_call& c) {
   if (!xf_ring.file) return 1;
-  std::string op(trim(operands(c.text)));
+  std::string op(xf_trim(xf_operands(c.text)));
   int32_t status, fell;
   int32_t n = xf_target_distance(op, status, fell, false);
   if (status == xf_target_invalid) {
@@ -884,9 +866,9 @@ int32_t xf_copy_lines(int32_t first, int32_t last, int32_t dest, bool move) {
 }
 
 int xfcm_add(const xf_cmd_call& c) {
-  std::string_view op = trim(operands(c.text));
+  std::string_view op = xf_trim(xf_operands(c.text));
   int32_t n = 1;
-  if (!op.empty() && !read_number(op, n)) return fail(16, 5);
+  if (!op.empty() && !xf_parse_count(op, n)) return fail(16, 5);
   if (!writable() || n == 0 || beyond_line_limit(n)) return 1;
   int32_t cur = current();
   if (cur >= file().size) cur = file().size - 1;
@@ -897,7 +879,7 @@ int xfcm_add(const xf_cmd_call& c) {
 int xfcm_input(const xf_cmd_call& c) {
   if (!writable()) return 1;
   // The text begins one blank after the command word, so its leading blanks stay.
-  std::string_view text = operands(c.text);
+  std::string_view text = xf_operands(c.text);
   int32_t at = std::min(current(), file().size - 1);
   one_change ch;
   xf_do('i', make_line(text), at, 1, 1, nullptr, "xfcm_input:1");
@@ -960,7 +942,7 @@ int xfcm_lowercas(const xf_cmd_call& c) {
 }
 
 int xfcm_spltjoin(const xf_cmd_call& c) {
-  std::string w = xf_lower(trim(operands(c.text)));
+  std::string w = xf_lower(xf_trim(xf_operands(c.text)));
   return split_join(!w.empty() && w[0] == 's');
 }
 

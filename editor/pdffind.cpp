@@ -1,6 +1,7 @@
 // The ISPF personality's locate, find, exclude and change: PDFLocate, PDFFINd, RFINd, PDFEXClude, PDFChange,
 // PDFRChange, with the operand parser they share and the last-FIND record.
 #include "editor/pdffind.h"
+#include "editor/operands.h"
 
 #include <algorithm>
 #include <vector>
@@ -31,10 +32,6 @@ constexpr keyword keywords[] = {
     {"word", 1, 3},       {"x", 2, 0},           {"nx", 2, 1},
 };
 
-std::string_view operands(std::string_view text) {
-  std::size_t sp = text.find(' ');
-  return sp == std::string_view::npos ? std::string_view() : text.substr(sp + 1);
-}
 
 int fail(int msg, int code) {
   xf_msg(msg, XF_MSG_ERROR);
@@ -372,7 +369,7 @@ int find_command(const xf_cmd_call& c, bool exclude) {
   if (!xf_ring.file) return 1;
   xf_pdf_record r;
   r.exclude = exclude;
-  if (parse(operands(c.text), 1, r)) return 1;
+  if (parse(xf_operands(c.text), 1, r)) return 1;
   r.has_find = true;
   r.has_change = xf_pdf_last.has_change;
   if (!r.has_change) r.s2 = xf_pdf_last.s2;
@@ -500,7 +497,7 @@ int xfcm_rfind(const xf_cmd_call&) {
 int xfcm_pdfchange(const xf_cmd_call& c) {
   if (!xf_ring.file) return 1;
   xf_pdf_record r;
-  if (parse(operands(c.text), 2, r)) return 1;
+  if (parse(xf_operands(c.text), 2, r)) return 1;
   r.has_find = r.has_change = true;
   xf_pdf_last = r;
   return run_change(r, r.direction);
@@ -518,7 +515,7 @@ int xfcm_pdfrchange(const xf_cmd_call&) {
 int xfcm_pdflocate(const xf_cmd_call& c) {
   if (!xf_ring.file) return 1;
   xf_file& f = *xf_ring.file;
-  std::vector<std::string> w = xf_tokens(xf_lower(operands(c.text)));
+  std::vector<std::string> w = xf_tokens(xf_lower(xf_operands(c.text)));
   if (w.empty()) return fail(159, 1);
   auto land = [&](int32_t l) {
     // From a found line the current line moves forward to the first line in scope.
