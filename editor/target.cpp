@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "editor/command.h"
+#include "editor/find.h"
 #include "editor/messages.h"
 #include "editor/ring.h"
 #include "editor/state.h"
@@ -377,36 +378,10 @@ bool plain_in_line_back(const search_env& e, const string_item& it, int32_t line
   return found;
 }
 
-int hex_value(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
-// x'hh..' into bytes. Returns 0 not hexadecimal, 1 converted, -1 invalid.
-int hex_string(std::string& s) {
-  if (s.size() < 3 || (s[0] != 'x' && s[0] != 'X') || s[1] != '\'') return 0;
-  std::size_t close = s.find('\'', 2);
-  std::string digits = s.substr(2, close == std::string::npos ? std::string::npos : close - 2);
-  if (close != std::string::npos && close + 1 != s.size()) return 0;
-  if (digits.size() < 2 || digits.size() % 2) return -1;
-  std::string out;
-  for (std::size_t i = 0; i < digits.size(); i += 2) {
-    int a = hex_value(digits[i]), b = hex_value(digits[i + 1]);
-    if (a < 0 || b < 0) return -1;
-    char c = static_cast<char>(a * 16 + b);
-    if (c == '\n') return -1;
-    out += c == 0 ? '\n' : c;
-  }
-  s = out;
-  return 1;
-}
-
 // Prepares an item's string: hexadecimal form and arbitrary pieces. Returns false with the message given.
 bool prepare_item(string_item& it) {
   if (xf_search.hex) {
-    int h = hex_string(it.text);
+    int h = xf_hex_string(it.text);
     if (h < 0) {
       xf_msg(150, XF_MSG_ERROR);
       return false;
