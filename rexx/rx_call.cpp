@@ -15,6 +15,9 @@
 namespace {
 
 rx_run& R() { return *rx_st.run; }
+
+// The function library, set once by the program that links it (none: built-in names go on to the external search).
+rx_builtin_fn builtins = nullptr;
 rx_proc& P() { return *rx_st.run->proc; }
 
 // Whether a name is looked for among the labels: a word, or a string that looks like a path.
@@ -301,12 +304,13 @@ call_result search_and_call(const rx_node* name, const rx_node* args, rx_value& 
       return call_result{true, run_internal(hit, std::move(a), out)};
     }
   }
-  // The built-in functions and a host's registered functions are searched here once the function library
-  // exists; until then a built-in's name is a routine not found.
+  if (builtins && builtins(name, args, out)) return call_result{true, true};
   return call_external(name, args, out);
 }
 
 }  // namespace
+
+void rx_set_builtins(rx_builtin_fn fn) { builtins = fn; }
 
 rx_label_hit rx_find_label(std::string_view name) {
   rx_run& r = R();

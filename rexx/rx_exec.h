@@ -117,6 +117,10 @@ rx_label_hit rx_find_label(std::string_view name);
 // Call the routine `name` (a SYMBOL or STRING node) with an argument chain, by the routine search. Returns whether
 // it gave a value (in `out`). Error 43 when it is not found.
 bool rx_call_routine(const rx_node* name, const rx_node* args, rx_value& out);
+// The built-in function library, offered by whoever links it: called with the routine's name node and its
+// argument chain for a name no label answers; returns false when it has no such function, else gives `out`.
+using rx_builtin_fn = bool (*)(const rx_node* name, const rx_node* args, rx_value& out);
+void rx_set_builtins(rx_builtin_fn fn);
 // Call a routine by name with no arguments (CALL ON handlers); its result is ignored.
 void rx_call_by_name(const std::string& name, int32_t line);
 // CALL: the call, then RESULT set or dropped.
@@ -178,7 +182,7 @@ void rx_exec_parse(const rx_stmt& s);
 // Assign a slice x[i], x[i:j], x[i:], x[:j].
 void rx_assign_slice(const rx_stmt& s);
 
-// Seams to the outside: program output, error reports, input lines, and the queue (a small one for now).
+// Seams to the outside: program output, error reports, input lines, and the queue with its buffers.
 void rx_output(std::string_view bytes);
 void rx_output_flush();
 void rx_report_out(std::string_view report);
@@ -187,5 +191,8 @@ bool rx_read_line(std::string& line);
 void rx_queue_push(std::string line);   // to the head (PUSH)
 void rx_queue_add(std::string line);    // to the tail (QUEUE)
 bool rx_queue_pull(std::string& line);  // from the head; false when empty
-std::size_t rx_queue_size();
+std::size_t rx_queue_size();  // lines of the current buffer (QUEUED(), SENTRIES)
 void rx_queue_clear();
+// The queue commands MAKEBUF, DROPBUF [n], DESBUF and SENTRIES: true with their RC when `word` (lower case) is
+// one of them; `rest` is the text behind the word.
+bool rx_queue_command(std::string_view word, std::string_view rest, int32_t* rc);

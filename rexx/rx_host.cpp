@@ -13,8 +13,9 @@ namespace {
 rx_run& R() { return *rx_st.run; }
 rx_proc& P() { return *rx_st.run->proc; }
 
-// Commands that the function library answers before a process is started; not available in this build yet.
-const char* const library_commands[] = {"execio", "makebuf", "dropbuf", "desbuf", "globalv", "sentries"};
+// Commands that the function library answers before a process is started and that are not available yet (the
+// queue commands are answered by the queue).
+const char* const library_commands[] = {"execio", "globalv"};
 
 std::string first_word_lower(std::string_view cmd) {
   std::size_t i = 0;
@@ -28,6 +29,10 @@ std::string first_word_lower(std::string_view cmd) {
 // environment; `user` names a variable whose value is put in front for the named shells.
 int32_t process_env(std::string_view command, void* user) {
   std::string word = first_word_lower(command);
+  int32_t queue_rc = 0;
+  std::size_t at = command.find_first_not_of(' ');
+  std::string_view rest = at == std::string_view::npos ? std::string_view() : command.substr(at + word.size());
+  if (rx_queue_command(word, rest, &queue_rc)) return queue_rc;
   for (const char* name : library_commands)
     if (word == name && !(word == "globalv" && rx_st.sw.globalv == 1))
       throw rx_unavailable{"the " + word + " command"};

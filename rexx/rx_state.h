@@ -37,7 +37,8 @@ struct rx_state {
   rx_switches sw;
   rx_error_state error;
   rx_run* run = nullptr;            // the run in progress, null between runs
-  std::deque<std::string> queue;    // PUSH/QUEUE/PULL lines; shared by all runs of the process
+  std::deque<std::string> queue;    // PUSH/QUEUE/PULL lines of the current buffer; shared by all runs
+  std::vector<std::deque<std::string>> buffers;  // the queues saved by MAKEBUF, the last made on top
 };
 
 // The family's state; tests call rx_init to start clean.

@@ -28,4 +28,20 @@ for prog in int_loop string_build parse_lines stem_tails fib_calls; do
     printf '%-14s %9.3fs %10s %8s\n' "$prog" "$p" - -
   fi
 done
+# Built-in functions: a word-frequency count over a generated 10 MB text read from standard input, and a loop of
+# SUBSTR/POS/TRANSLATE.
+text=$(mktemp)
+trap 'rm -f "$text"' EXIT
+awk 'BEGIN { srand(7); while (size < 10485760) { line = ""; for (k = 0; k < 10; k++) line = line " w" int(rand() * 5000);
+             print line; size += length(line) + 1 } print "__END__" }' >"$text"
+for prog in word_freq string_funcs; do
+  file=$here/$prog.rexx
+  p=$(seconds "$palom" "$file" <"$text")
+  if [ -n "$peer" ]; then
+    r=$(seconds "$peer" "$file" <"$text")
+    awk -v n="$prog" -v p="$p" -v r="$r" 'BEGIN { printf "%-14s %9.3fs %9.3fs %8.2f\n", n, p, r, (r > 0 ? p / r : 0) }'
+  else
+    printf '%-14s %9.3fs %10s %8s\n' "$prog" "$p" - -
+  fi
+done
 echo "ratio = palom time / rexx time (below 1: palom is faster)"

@@ -52,9 +52,20 @@ TEST(RexxRunApi, QueueOutlivesARunButNotInit) {
 TEST(RexxRunApi, RunTimeErrorsAndUnavailableFeatures) {
   paloma_init();
   EXPECT_EQ(run("x = 1 / 0\n").rc, 51);
-  EXPECT_EQ(run("'makebuf'\n").rc, -3);  // a command of the function library, not built yet
+  EXPECT_EQ(run("'execio 1 diskr x'\n").rc, -3);  // a command of the function library, not built yet
   EXPECT_EQ(run("trace x\n").rc, -3);     // the debugger
   EXPECT_EQ(run("address sh 'exit 3'\nexit rc\n").rc, 3);
+}
+
+TEST(RexxRunApi, BuffersOfTheQueueOutliveARun) {
+  paloma_init();
+  EXPECT_EQ(run("queue 'low'; 'makebuf'; exit rc\n").rc, 1);
+  EXPECT_EQ(run("queue 'high'; 'sentries'; exit rc\n").rc, 1);  // only the top buffer counts
+  EXPECT_EQ(run("'dropbuf'; exit rc\n").rc, 0);
+  EXPECT_EQ(run("'sentries'; exit rc\n").rc, 1);  // 'low' is back, 'high' went with its buffer
+  EXPECT_EQ(run("'dropbuf'; exit rc\n").rc, 2);   // no buffer left
+  paloma_init();
+  EXPECT_EQ(run("'sentries'; exit rc\n").rc, 0);
 }
 
 namespace {

@@ -85,3 +85,11 @@ TEST(RexxRun, Trace) { run_area("trace"); }
 TEST(RexxRun, Interpret) { run_area("interpret"); }
 TEST(RexxRun, Errors) { run_area("errors"); }
 TEST(RexxRun, BadInput) { run_area("bad_input"); }
+TEST(RexxRun, BuiltinsFrame) { run_area("builtins_frame"); }
+TEST(RexxRun, BuiltinsStrings) { run_area("builtins_strings"); }
+TEST(RexxRun, BuiltinsWords) { run_area("builtins_words"); }
+TEST(RexxRun, BuiltinsNumbers) { run_area("builtins_numbers"); }
+TEST(RexxRun, BuiltinsConvert) { run_area("builtins_convert"); }
+TEST(RexxRun, BuiltinsQueue) { run_area("builtins_queue"); }
+TEST(RexxRun, BuiltinsState) { run_area("builtins_state"); }
+TEST(RexxRun, BuiltinsDateTime) { run_area("builtins_datetime"); }

@@ -1,0 +1,138 @@
+// The built-in function frame: the table of built-ins, the name search, argument evaluation, checks and messages.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "rexx/rx_exec.h"
+
+// One call of a built-in: its NAME (upper case, for messages), its argument nodes and their values, evaluated left
+// to right before any check. An omitted argument is absent; "F()" has a count of 1 with an absent first value.
+struct bu_call {
+  const char* name = "";
+  const rx_node* first = nullptr;
+  std::vector<rx_value> v;
+  std::vector<bool> present;
+  std::string buf[4];  // text forms of numbers handed out by str()
+
+  std::size_t count() const { return v.size(); }
+  bool has(std::size_t i) const { return i < v.size() && present[i]; }
+  // The argument as a string view ("" when absent); a number is formatted into slot `slot`.
+  std::string_view str(std::size_t i, int slot = 0);
+};
+
+using bu_handler = rx_value (*)(bu_call& c);
+
+// A row of the built-in table: the name as spelled, and the handler (null: not available yet).
+struct bu_row {
+  const char* name;
+  bu_handler fn;
+};
+
+// Number of rows in the table.
+constexpr std::size_t bu_table_size = 311;
+
+// Install the built-ins in the routine search (done at the start of every program that links them).
+void bu_install();
+// The routine search's entry: a name no label answers; false when no built-in has that name in the case mode.
+bool bu_search(const rx_node* name, const rx_node* args, rx_value& out);
+
+// Report a bad call: "\npalom: TEXT" on its own line, then error `number` (40 by default) at argument `index`.
+[[noreturn]] void bu_error(const bu_call& c, std::size_t index, const std::string& text, int number = 40);
+// The count check: min to max arguments (max -1: no upper limit), each of the first `min` present. Gives the
+// message of the family for the range ("must receive 1 argument.", "2 or 3", "2 to 4").
+void bu_count(const bu_call& c, std::size_t min, std::size_t max);
+// A count failure with the given text after "NAME(): ".
+void bu_count_msg(const bu_call& c, std::size_t min, std::size_t max, const char* text);
+// Integer argument i (0-based). kind 0: a whole number; 1: positive (0 allowed); 2: strictly positive. Absent gives
+// `dflt`.
+long bu_int(bu_call& c, std::size_t i, int kind, long dflt);
+// The pad argument i: one character, blank when absent.
+char bu_pad(bu_call& c, std::size_t i);
+// A number argument; error 40 "argument N must be a number." (or `number` for ABS/SIGN) when it is none.
+double bu_num(bu_call& c, std::size_t i, int number = 40);
+// A valid symbol for VALUE and the stem functions: not empty, not starting with "." or a digit, and made of
+// letters, digits and "@#$.!?_".
+bool bu_valid_symbol(std::string_view s);
+// Round x to d significant digits.
+double bu_round(double x, int d);
+// A whole-number result.
+inline rx_value bu_whole(long long n) { return rx_value::number(static_cast<double>(n), 0); }
+// Words of a string split at blanks: (start, length) pairs.
+std::vector<std::pair<std::size_t, std::size_t>> bu_word_list(std::string_view s);
+
+// The handlers of each family, in the order of their table rows.
+rx_value bu_abbrev(bu_call&);
+rx_value bu_center(bu_call&);
+rx_value bu_compare(bu_call&);
+rx_value bu_copies(bu_call&);
+rx_value bu_delstr(bu_call&);
+rx_value bu_insert(bu_call&);
+rx_value bu_lastpos(bu_call&);
+rx_value bu_left(bu_call&);
+rx_value bu_length(bu_call&);
+rx_value bu_lower(bu_call&);
+rx_value bu_overlay(bu_call&);
+rx_value bu_pos(bu_call&);
+rx_value bu_index(bu_call&);
+rx_value bu_reverse(bu_call&);
+rx_value bu_right(bu_call&);
+rx_value bu_strip(bu_call&);
+rx_value bu_substr(bu_call&);
+rx_value bu_translate(bu_call&);
+rx_value bu_upper(bu_call&);
+rx_value bu_xrange(bu_call&);
+rx_value bu_verify(bu_call&);
+rx_value bu_words(bu_call&);
+rx_value bu_word(bu_call&);
+rx_value bu_subword(bu_call&);
+rx_value bu_delword(bu_call&);
+rx_value bu_wordindex(bu_call&);
+rx_value bu_wordlength(bu_call&);
+rx_value bu_wordpos(bu_call&);
+rx_value bu_space(bu_call&);
+rx_value bu_find(bu_call&);
+rx_value bu_queued(bu_call&);
+rx_value bu_bitand(bu_call&);
+rx_value bu_bitor(bu_call&);
+rx_value bu_bitxor(bu_call&);
+rx_value bu_symbol(bu_call&);
+rx_value bu_value(bu_call&);
+rx_value bu_date(bu_call&);
+rx_value bu_time(bu_call&);
+rx_value bu_address(bu_call&);
+rx_value bu_arg(bu_call&);
+rx_value bu_random(bu_call&);
+rx_value bu_trunc(bu_call&);
+rx_value bu_sin(bu_call&);
+rx_value bu_cos(bu_call&);
+rx_value bu_tan(bu_call&);
+rx_value bu_asin(bu_call&);
+rx_value bu_acos(bu_call&);
+rx_value bu_atan(bu_call&);
+rx_value bu_pi(bu_call&);
+rx_value bu_change(bu_call&);
+rx_value bu_comma(bu_call&);
+rx_value bu_fwc(bu_call&);
+rx_value bu_justify(bu_call&);
+rx_value bu_datatype(bu_call&);
+rx_value bu_digits(bu_call&);
+rx_value bu_fuzz(bu_call&);
+rx_value bu_form(bu_call&);
+rx_value bu_errortext(bu_call&);
+rx_value bu_arch(bu_call&);
+rx_value bu_version(bu_call&);
+rx_value bu_b2x(bu_call&);
+rx_value bu_x2b(bu_call&);
+rx_value bu_c2d(bu_call&);
+rx_value bu_c2o(bu_call&);
+rx_value bu_c2x(bu_call&);
+rx_value bu_d2c(bu_call&);
+rx_value bu_d2x(bu_call&);
+rx_value bu_x2c(bu_call&);
+rx_value bu_x2d(bu_call&);
+rx_value bu_abs(bu_call&);
+rx_value bu_sign(bu_call&);
+rx_value bu_max(bu_call&);
+rx_value bu_min(bu_call&);

@@ -1,0 +1,2 @@
+x = substr('abc',,
+  0)

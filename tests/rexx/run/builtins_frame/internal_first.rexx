@@ -1,0 +1,3 @@
+say length('abc') 'LENGTH'('abc')
+exit
+length: return 'mine'

@@ -1,0 +1,3 @@
+say 'before'
+say DY_BEEP()
+say 'after'

@@ -1,0 +1,6 @@
+say pos('a','bab') pos('A','bab',1,1) pos('','abc') pos('b','abcb',3) pos('A','bab')
+say index('bab','a',3) index('baba','A',3,1) index('abc','c')
+say lastpos('b','abcb') lastpos('b','abcb',3) lastpos('x','abc') lastpos('','abc')
+say abbrev('print','pri') abbrev('print','pri',4) abbrev('print','') abbrev('print','',0) abbrev('print','PRI')
+say compare('abc','abc') compare('abc','abd') compare('ab','ab  ') compare('ab','abx','x')
+say verify('abc','abc') verify('abx','abc') verify('abx','abc','M') verify('abc','b','M',3) verify('','a')
