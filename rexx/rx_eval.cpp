@@ -35,10 +35,9 @@ const rx_value& symbol_value(const rx_node* n, rx_value& tmp) {
   // The common case first: a simple variable whose slot in this pool the token remembers, holding a value.
   // (Names that may not be used never get a slot with a value, so the checks below cannot be skipped wrongly.)
   const rx_pool* pool = rx_st.run->proc->pool;
+  if (n->value[0] == '$' && rx_env_symbol(*n)) rx_env_refresh(rx_ctx(), *n);
   if (n->slot_pool == pool->id && n->parts.empty() && n->slot->state == 1) return n->slot->value;
   if (!n->value.empty() && n->value[0] == '.') rx_raise(31, n);
-  if (rx_st.sw.setenv == 0 && n->value.size() >= 2 && n->value[0] == '$')
-    throw rx_unavailable{"environment variables under OPTION SETENV"};
   rx_var_ctx c = rx_ctx();
   if (const rx_value* v = rx_get(c, *n)) return *v;
   tmp.set_text(rx_default_text(c, *n));

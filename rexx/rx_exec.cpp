@@ -95,20 +95,23 @@ bool append_in_place(const rx_stmt& s) {
 void exec_assign(const rx_stmt& s) {
   if (s.index1) return rx_assign_slice(s);
   if (!s.target->value.empty() && s.target->value[0] == '.') rx_raise(31, s.target);
-  if (rx_st.sw.setenv == 0 && s.target->value.size() >= 2 && s.target->value[0] == '$')
-    throw rx_unavailable{"environment variables under OPTION SETENV"};
+  bool env = rx_env_symbol(*s.target);
   rx_value v;
   if (!s.expr) {
     v.set_text("");
   } else if (!constant_number(s.expr, v)) {
-    if (!(P().trace & 0x24) && append_in_place(s)) return;
+    if (!env && !(P().trace & 0x24) && append_in_place(s)) return;
     v = rx_eval_owned(s.expr);
   }
   if (rx_tracing(0x04 | 0x20)) {
     std::string name = rx_default_text(rx_ctx(), *s.target);
     rx_trace_detail(">>> " + name + " <-- \"" + text(v, s.expr) + "\"");
   }
-  rx_assign(rx_ctx(), *s.target, std::move(v));
+  rx_var* slot = rx_assign(rx_ctx(), *s.target, std::move(v));
+  if (env) {
+    std::string buf;
+    rx_env_store(*s.target, rx_text_of(slot->value, buf, s.target));
+  }
 }
 
 // ---- IF, SELECT ----

@@ -187,12 +187,11 @@ void assign(const elem& e, std::string_view value, bool upper) {
   }
   const rx_node* v = e.tok;
   if (v->value[0] == '.') rx_raise(31, v);
-  if (rx_st.sw.setenv == 0 && v->value.size() >= 2 && v->value[0] == '$')
-    throw rx_unavailable{"environment variables under OPTION SETENV"};
   rx_var* slot = rx_assign_text(rx_ctx(), *v, value);
   if (upper)
     for (char& c : slot->value.text)
       if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
+  if (rx_env_symbol(*v)) rx_env_store(*v, slot->value.text);
   if (traced) rx_trace_detail(">>> " + rx_default_text(rx_ctx(), *v) + " <-- \"" + slot->value.text + "\"");
 }
 

@@ -1,7 +1,11 @@
 // Variable pools: the hash table, the lookup that follows exposure, compound names, stems, DROP and EXPOSE.
 #include "rexx/rx_vars.h"
 
+#include <cstdlib>
+
+#include "os/os_process.h"
 #include "rexx/rx_lex.h"
+#include "rexx/rx_state.h"
 
 namespace {
 
@@ -277,4 +281,20 @@ bool rx_valid_var_name(std::string_view w) {
     if (!ok) return false;
   }
   return true;
+}
+
+bool rx_env_symbol(const rx_node& sym) {
+  return rx_st.sw.setenv == 0 && sym.value.size() >= 2 && sym.value[0] == '$' && sym.parts.empty();
+}
+
+void rx_env_refresh(const rx_var_ctx& c, const rx_node& sym) {
+  bool probe = sym.value.size() >= 3 && sym.value[1] == '?';
+  std::string name = sym.value.substr(probe ? 2 : 1);
+  const char* v = std::getenv(name.c_str());
+  rx_assign(c, sym, rx_value::string(probe ? (v ? "1" : "0") : (v ? v : "")));
+}
+
+void rx_env_store(const rx_node& sym, std::string_view text) {
+  if (sym.value[1] == '?') return;
+  os_set_env(std::string_view(sym.value).substr(1), text);
 }

@@ -76,6 +76,12 @@ rx_var* rx_assign_name(const rx_var_ctx& c, std::string_view name, rx_value v);
 void rx_drop(const rx_var_ctx& c, const rx_node& sym);
 // PROCEDURE EXPOSE of one symbol: `c.pool` is the routine's new pool, whose parent is the caller's.
 void rx_expose(const rx_var_ctx& c, const rx_node& sym);
+// OPTION SETENV: a simple symbol "$NAME" mirrors the process variable NAME, "$?NAME" tells whether it exists.
+bool rx_env_symbol(const rx_node& sym);
+// Refreshes such a symbol from the process environment before it is read.
+void rx_env_refresh(const rx_var_ctx& c, const rx_node& sym);
+// After an assignment to such a symbol: sets the process variable ("$?NAME" sets nothing).
+void rx_env_store(const rx_node& sym, std::string_view text);
 // A symbol token for a name held as text (upper-cased by the case mode, split at dots), for the operations above.
 rx_node rx_symbol_of(std::string_view name, int case_mode);
 // Whether a word of a name list is a valid variable name.

@@ -1,0 +1,4 @@
+/* Without OPTION SETENV a "$" name is a plain variable. */
+option unsetenv
+$A = 1
+say $A $?A
