@@ -195,10 +195,11 @@ void assign(const elem& e, std::string_view value, bool upper) {
   if (traced) rx_trace_detail(">>> " + rx_default_text(rx_ctx(), *v) + " <-- \"" + slot->value.text + "\"");
 }
 
-void run_template(const std::vector<elem>& el, std::vector<std::string>& sources, bool is_arg, bool upper) {
+// `first` is the string parsed; with PARSE ARG the commas move on to the routine's later arguments.
+void run_template(const std::vector<elem>& el, std::string first, bool is_arg, bool upper) {
   parse_state ps;
   std::size_t src = 0;
-  ps.str = sources.empty() ? std::string() : std::move(sources[0]);
+  ps.str = std::move(first);
   ps.end = ps.len();
   bool group = false;
   for (std::size_t i = 0; i < el.size(); ++i) {
@@ -206,7 +207,8 @@ void run_template(const std::vector<elem>& el, std::vector<std::string>& sources
     if (e.kind == E_COMMA) {
       if (!is_arg) rx_raise(38, e.tok, "A comma may be used only within a PARSE ARG instructin");
       ++src;
-      ps.str = src < sources.size() ? std::move(sources[src]) : std::string();
+      const std::vector<rx_arg>& args = rx_st.run->proc->args;
+      ps.str = src < args.size() ? args[src].text : std::string();
       ps.cursor = ps.last = 0;
       ps.end = ps.len();
       group = false;
@@ -273,36 +275,35 @@ void rx_exec_parse(const rx_stmt& s) {
     s.prepared = prepared;
   }
   const std::vector<elem>& el = *static_cast<const std::vector<elem>*>(s.prepared.get());
-  std::vector<std::string> sources;
+  std::string source;
   const rx_numeric& n = rx_st.run->proc->numeric;
   switch (s.form) {
     case RX_SRC_ARG:
-      for (const rx_arg& a : rx_st.run->proc->args) sources.push_back(a.text);
+      if (!rx_st.run->proc->args.empty()) source = rx_st.run->proc->args[0].text;
       break;
     case RX_SRC_LINEIN:
-      sources.push_back(input_line());
+      source = input_line();
       break;
     case RX_SRC_PULL: {
       std::string line;
-      sources.push_back(rx_queue_pull(line) ? line : input_line());
+      source = rx_queue_pull(line) ? line : input_line();
       break;
     }
     case RX_SRC_SOURCE:
-      sources.push_back(rx_st.run->source_desc);
+      source = rx_st.run->source_desc;
       break;
     case RX_SRC_VALUE:
-      sources.push_back(s.expr ? var_text(s.expr) : std::string());
+      source = s.expr ? var_text(s.expr) : std::string();
       break;
     case RX_SRC_VAR:
-      sources.push_back(var_text(s.target));
+      source = var_text(s.target);
       break;
     case RX_SRC_VERSION:
-      sources.push_back(version_text());
+      source = version_text();
       break;
     default:
-      sources.push_back(std::to_string(n.digits) + " " + std::to_string(n.fuzz) +
-                        (n.form ? " ENGINEERING" : " SCIENTIFIC"));
+      source = std::to_string(n.digits) + " " + std::to_string(n.fuzz) + (n.form ? " ENGINEERING" : " SCIENTIFIC");
       break;
   }
-  run_template(el, sources, s.form == RX_SRC_ARG, s.upper != 0);
+  run_template(el, std::move(source), s.form == RX_SRC_ARG, s.upper != 0);
 }
