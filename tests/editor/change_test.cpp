@@ -13,20 +13,11 @@ using lines = std::vector<std::string>;
 namespace {
 
 int32_t run(const std::string& cmd) { return xfcom2(cmd, "/tmp"); }
-int32_t cur() { return xf_current_line(); }
-std::string last_msg() { return queued_messages().empty() ? "" : queued_messages().back(); }
-
-void file(const lines& l) {
-  fresh_editor();
-  xf_re_reset();
-  file_with(l);
-  xf_current_line() = 0;
-}
 
 }  // namespace
 
 TEST(ChangeXedit, CountsOccurrencesAndMessages) {
-  file({"a a a", "b", "a"});
+  fresh_file({"a a a", "b", "a"});
   EXPECT_EQ(run("c/a/b/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"b b b", "b", "a"}));
   EXPECT_EQ(last_msg(), "..... 3 occurrences changed");
@@ -39,27 +30,27 @@ TEST(ChangeXedit, CountsOccurrencesAndMessages) {
 }
 
 TEST(ChangeXedit, OccurrenceOperandsAndTargets) {
-  file({"a1 a2 a3 a4", "a5 a6 a7 a8", "a9"});
+  fresh_file({"a1 a2 a3 a4", "a5 a6 a7 a8", "a9"});
   // Three occurrences from the second, on each of two lines.
   EXPECT_EQ(run("c/a/X/ 2 3 2"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"a1 X2 X3 X4", "a5 X6 X7 X8", "a9"}));
   EXPECT_EQ(cur(), 1);  // the last changed line is current
-  file({"a a a", "a a a"});
+  fresh_file({"a a a", "a a a"});
   EXPECT_EQ(run("c/a/b/ 1 1 2"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"a b a", "a a a"}));
-  file({"a", "a", "a", "a"});
+  fresh_file({"a", "a", "a", "a"});
   xf_current_line() = 1;
   EXPECT_EQ(run("c/a/b/ *"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"a", "b", "b", "b"}));
   // From the top-of-file position the first line of the range is line 0.
-  file({"a", "a", "a"});
+  fresh_file({"a", "a", "a"});
   xf_current_line() = -1;
   EXPECT_EQ(run("c/a/b/ 2"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"b", "a", "a"}));
 }
 
 TEST(ChangeXedit, BadOperands) {
-  file({"abc", "def"});
+  fresh_file({"abc", "def"});
   xf_current_line() = 1;
   EXPECT_EQ(run("c/abc"), 1);
   EXPECT_EQ(last_msg(), "..... Invalid parameters");
@@ -73,10 +64,10 @@ TEST(ChangeXedit, BadOperands) {
 }
 
 TEST(ChangeXedit, AllOnALineDoesNotLoopAndEmptyString1Inserts) {
-  file({"aaa"});
+  fresh_file({"aaa"});
   EXPECT_EQ(run("c/a/aa/ * *"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"aaaaaa"}));
-  file({"abc", "xyz"});
+  fresh_file({"abc", "xyz"});
   EXPECT_EQ(run("c//x/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"xabc", "xyz"}));
   run("zone 6 *");
@@ -85,30 +76,30 @@ TEST(ChangeXedit, AllOnALineDoesNotLoopAndEmptyString1Inserts) {
 }
 
 TEST(ChangeXedit, DeletingLeavesASingleBlankAndTrailingBlanksMatchAtTheEnd) {
-  file({"abc", "x abc"});
+  fresh_file({"abc", "x abc"});
   EXPECT_EQ(run("c/abc // 2"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{" ", "x"}));  // KEEPBlanks OFF trims
-  file({"one two", "two one"});
+  fresh_file({"one two", "two one"});
   EXPECT_EQ(run("c/one /1/ 2"), 0);  // "one " matches "one" at the end of the second line
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"1two", "two 1"}));
 }
 
 TEST(ChangeXedit, WordsCaseAndZone) {
-  file({"cat catalog cat"});
+  fresh_file({"cat catalog cat"});
   EXPECT_EQ(run("cn/cat/dog/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"dog catalog dog"}));
-  file({"Apple apple"});
+  fresh_file({"Apple apple"});
   run("case mixed ignore crespect");
   EXPECT_EQ(run("c/apple/x/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"Apple x"}));
   run("case mixed respect cignore");
   EXPECT_EQ(run("c/apple/y/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"y x"}));
-  file({"aaaaaa"});
+  fresh_file({"aaaaaa"});
   run("zone 2 4");
   EXPECT_EQ(run("c/a/b/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"abbbaa"}));
-  file({"a a a"});
+  fresh_file({"a a a"});
   run("mode change one");
   EXPECT_EQ(run("c/a/b/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"b a a"}));
@@ -116,11 +107,11 @@ TEST(ChangeXedit, WordsCaseAndZone) {
 }
 
 TEST(ChangeXedit, ArbitraryCharacters) {
-  file({"abbbc"});
+  fresh_file({"abbbc"});
   run("arbchar on $");
   EXPECT_EQ(run("c/a$c/$x/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"bbbx"}));
-  file({"k=1; j=22;"});
+  fresh_file({"k=1; j=22;"});
   run("arbchar on $");
   EXPECT_EQ(run("c/=$;/:=$./"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"k:=1. j:=22."}));
@@ -130,26 +121,26 @@ TEST(ChangeXedit, ArbitraryCharacters) {
 }
 
 TEST(ChangeXedit, RegularExpressions) {
-  file({"x12 y345", "none"});
+  fresh_file({"x12 y345", "none"});
   EXPECT_EQ(run("rchange/[0-9]+/N/ 2"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"xN yN", "none"}));
   // With ARBchar ON the arbitrary character in string 2 stands for the matched text.
-  file({"ab12"});
+  fresh_file({"ab12"});
   run("arbchar on @");
   EXPECT_EQ(run("rc/[0-9]+/<@>/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"ab<12>"}));
   run("arbchar off");
   // An empty match changes without looping.
-  file({"abc"});
+  fresh_file({"abc"});
   EXPECT_EQ(run("rc/x*/-/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"-a-b-c-"}));
   // The legacy grammar reads the same text differently.
-  file({"aa+ aa+"});
+  fresh_file({"aa+ aa+"});
   run("regtype legacy");
   EXPECT_EQ(run("rc/a+/X/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"aX aX"}));
   run("regtype ecmascript");
-  file({"aa+ aa+"});
+  fresh_file({"aa+ aa+"});
   EXPECT_EQ(run("rc/a+/X/"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"X+ X+"}));
   EXPECT_EQ(run("rc/(a/X/"), 1);
@@ -157,7 +148,7 @@ TEST(ChangeXedit, RegularExpressions) {
 }
 
 TEST(ChangeXedit, LinesPastTruncAndLreclAreCut) {
-  file({"abc", "abc"});
+  fresh_file({"abc", "abc"});
   run("trunc 5");
   EXPECT_EQ(run("c/b/bbbbbb/ 2"), 0);
   EXPECT_EQ(lines_of(*xf_ring.file), (lines{"abbbb", "abbbb"}));
@@ -169,7 +160,7 @@ TEST(ChangeXedit, LinesPastTruncAndLreclAreCut) {
 TEST(ChangeXedit, UndoTakesBackAWholeChangeInOneStep) {
   lines orig;
   for (int i = 0; i < 500; ++i) orig.push_back("line " + std::to_string(i) + " x");
-  file(orig);
+  fresh_file(orig);
   xf_new_step();
   EXPECT_EQ(run("c/x/yy/ *"), 0);
   EXPECT_EQ(last_msg(), "..... 500 occurrences changed");
@@ -181,7 +172,7 @@ TEST(ChangeXedit, UndoTakesBackAWholeChangeInOneStep) {
 }
 
 TEST(Count, RangesAndMessages) {
-  file({"a b", "aa", "b", "a"});
+  fresh_file({"a b", "aa", "b", "a"});
   EXPECT_EQ(run("count /a/"), 0);
   EXPECT_EQ(last_msg(), "..... 1 occurrence found.");
   EXPECT_EQ(run("count /a/ *"), 0);
@@ -202,7 +193,7 @@ TEST(Count, RangesAndMessages) {
 }
 
 TEST(ChangeKeys, SckeysSetsAndShows) {
-  file({"a"});
+  fresh_file({"a"});
   EXPECT_EQ(run("sckeys"), 0);
   EXPECT_EQ(last_msg(), "..... KEY_QUIT = F1   KEY_DO = F12 ");
   EXPECT_EQ(run("sckeys f3 5"), 0);

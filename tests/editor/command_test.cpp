@@ -14,14 +14,12 @@ int32_t run(const std::string& text) {
   return rc;
 }
 
-std::string last_message() { return queued_messages().empty() ? "" : queued_messages().back(); }
-
 }  // namespace
 
 TEST(Command, UnknownWordInBatchIsAnInvalidCommand) {
   fresh_editor();
   EXPECT_EQ(run("frobnicate now"), -1);
-  EXPECT_EQ(last_message(), "..... Invalid command \"frobnicate now\"");
+  EXPECT_EQ(last_msg(), "..... Invalid command \"frobnicate now\"");
   EXPECT_EQ(xf_run.command_line, "frobnicate now");  // put back for the user
 }
 
@@ -44,7 +42,7 @@ TEST(Command, NumberGoesToTheLineThenRunsTheRest) {
   EXPECT_EQ(xf_current_line(), -1);
   xf_ring.file->select[1] = 9;
   EXPECT_EQ(run("2"), 1);
-  EXPECT_EQ(last_message(), "..... Line not in scope");
+  EXPECT_EQ(last_msg(), "..... Line not in scope");
 }
 
 TEST(Command, CommentsAndBlankStringsDoNothing) {
@@ -74,7 +72,7 @@ TEST(Command, LineEndSplitsPiecesAndAFailureDropsTheStacked) {
 TEST(Command, LineFeedInsideACommandIsRefused) {
   fresh_editor();
   EXPECT_EQ(run(std::string("msg a\nb")), 1);
-  EXPECT_EQ(last_message(), "..... Invalid \\n character within a command");
+  EXPECT_EQ(last_msg(), "..... Invalid \\n character within a command");
   EXPECT_EQ(run(std::string("msg a\0b", 7)), 1);  // NUL bytes count as line feeds
 }
 
@@ -106,7 +104,7 @@ TEST(Command, StartupSynonymQuitRunsAquitAndCapitalsReachTheRow) {
   file_with({"x"});
   xf_ring.file->alt_save = 1;
   EXPECT_EQ(run("quit"), 1);  // through "command aquit": refused, the file changed
-  EXPECT_EQ(last_message(), "..... File has been changed; type QQUIT to quit anyway");
+  EXPECT_EQ(last_msg(), "..... File has been changed; type QQUIT to quit anyway");
   EXPECT_EQ(run("pquit"), 12);
   EXPECT_EQ(run("QUIT"), 1);
   EXPECT_EQ(run("qquit"), 0);
@@ -176,7 +174,7 @@ TEST(Command, CommandMacrosWithArgumentsAndRecursion) {
   EXPECT_EQ(lines_of(*xf_ring.file), (std::vector<std::string>{"twice a", "a b", "[]"}));
   xf_stack("input never");
   EXPECT_EQ(run("loop"), 1);
-  EXPECT_EQ(last_message(), "..... Recursive call for \"loop\"");
+  EXPECT_EQ(last_msg(), "..... Recursive call for \"loop\"");
   EXPECT_TRUE(xf_run.stacked.empty());
 }
 
@@ -204,21 +202,21 @@ TEST(Command, MacroPrefixAndCommandPrefix) {
 TEST(Command, UnbuiltRowsSayNotImplemented) {
   fresh_editor();
   EXPECT_EQ(run("sort"), 1);
-  EXPECT_EQ(last_message(), "..... Not implemented");
+  EXPECT_EQ(last_msg(), "..... Not implemented");
   EXPECT_EQ(run("apl"), 0);  // a row that does nothing on purpose
 }
 
 TEST(Command, ModeWordsSetAndReport) {
   fresh_editor();
   EXPECT_EQ(run("mode expand"), 0);
-  EXPECT_EQ(last_message(), "..... Is ON NOENV");
+  EXPECT_EQ(last_msg(), "..... Is ON NOENV");
   EXPECT_EQ(run("mode expand off env"), 0);
   EXPECT_EQ(run("mode expand"), 0);
-  EXPECT_EQ(last_message(), "..... Is OFF ENV");
+  EXPECT_EQ(last_msg(), "..... Is OFF ENV");
   EXPECT_EQ(run("mode autoexit on"), 0);
   EXPECT_EQ(xf_set.mode_autoexit, 1);
   EXPECT_EQ(run("mode number"), 0);
-  EXPECT_EQ(last_message(), "..... Is GOTO");
+  EXPECT_EQ(last_msg(), "..... Is GOTO");
   EXPECT_EQ(run("mode bogus"), 1);
   EXPECT_EQ(run("mode topline 1"), 0);
   EXPECT_EQ(xf_ring.lowest_line, 0);

@@ -11,15 +11,7 @@ using lines = std::vector<std::string>;
 namespace {
 
 int32_t run(const std::string& cmd) { return xfcom2(cmd, "/tmp"); }
-int32_t cur() { return xf_current_line(); }
-std::string last_msg() { return queued_messages().empty() ? "" : queued_messages().back(); }
 
-void file(const lines& l) {
-  fresh_editor();
-  xf_re_reset();
-  file_with(l);
-  xf_current_line() = 0;
-}
 
 std::vector<int32_t> levels() {
   const xf_file& f = *xf_ring.file;
@@ -29,7 +21,7 @@ std::vector<int32_t> levels() {
 }  // namespace
 
 TEST(RegexLocate, ForwardBackwardWrapAndMessages) {
-  file({"abc", "x42", "def", "y7"});
+  fresh_file({"abc", "x42", "def", "y7"});
   EXPECT_EQ(run("r/[0-9]+/"), 0);
   EXPECT_EQ(cur(), 1);
   EXPECT_EQ(run("r/[0-9]$"), 0);  // the closing "/" may be left out
@@ -51,7 +43,7 @@ TEST(RegexLocate, ForwardBackwardWrapAndMessages) {
 }
 
 TEST(RegexLocate, CaseZoneAndEngines) {
-  file({"top", "ABC", "abc"});
+  fresh_file({"top", "ABC", "abc"});
   EXPECT_EQ(run("r/abc/"), 0);
   EXPECT_EQ(cur(), 2);
   xf_current_line() = 0;
@@ -59,11 +51,11 @@ TEST(RegexLocate, CaseZoneAndEngines) {
   EXPECT_EQ(run("r/abc/"), 0);
   EXPECT_EQ(cur(), 1);
   // A hit outside the zone does not count; the line is cut at its right edge.
-  file({"top", "xxabc", "abc"});
+  fresh_file({"top", "xxabc", "abc"});
   run("zone 1 4");
   EXPECT_EQ(run("r/abc/"), 0);
   EXPECT_EQ(cur(), 2);
-  file({"top", "a+", "aa"});
+  fresh_file({"top", "a+", "aa"});
   run("regtype legacy");
   EXPECT_EQ(run("r/a+/"), 0);
   EXPECT_EQ(cur(), 1);
@@ -79,7 +71,7 @@ TEST(RegexLocate, CaseZoneAndEngines) {
 }
 
 TEST(WordLocate, WholeWordsBothWays) {
-  file({"top", "category", "the cat", "cat"});
+  fresh_file({"top", "category", "the cat", "cat"});
   EXPECT_EQ(run("\\cat\\"), 0);
   EXPECT_EQ(cur(), 2);
   EXPECT_EQ(run("\\cat"), 0);
@@ -91,7 +83,7 @@ TEST(WordLocate, WholeWordsBothWays) {
 }
 
 TEST(XeditFind, PrefixMatchBlanksAndUnderscore) {
-  file({"top", "  abc", "a c", "a_c", "abcd"});
+  fresh_file({"top", "  abc", "a c", "a_c", "abcd"});
   EXPECT_EQ(run("find a c"), 0);  // the blank in the pattern matches any character
   EXPECT_EQ(cur(), 2);
   EXPECT_EQ(run("find a_c"), 0);  // "_" matches a blank
@@ -121,7 +113,7 @@ TEST(XeditFind, PrefixMatchBlanksAndUnderscore) {
 }
 
 TEST(ScopeCommands, AllThenChangeOnlyTheDisplayedLines) {
-  file({"a1", "b1", "a2", "b2"});
+  fresh_file({"a1", "b1", "a2", "b2"});
   EXPECT_EQ(run("all /a/"), 0);
   EXPECT_EQ(levels(), (std::vector<int32_t>{0, 1, 0, 1}));
   EXPECT_EQ(cur(), 0);
@@ -136,7 +128,7 @@ TEST(ScopeCommands, AllThenChangeOnlyTheDisplayedLines) {
 }
 
 TEST(ScopeCommands, OperatorsApplyLeftToRight) {
-  file({"a", "b", "ac", "bc", "c"});
+  fresh_file({"a", "b", "ac", "bc", "c"});
   EXPECT_EQ(run("all /a/ | /b/ & /c/"), 0);
   EXPECT_EQ(levels(), (std::vector<int32_t>{1, 1, 0, 0, 1}));
   EXPECT_EQ(cur(), 2);
@@ -154,14 +146,14 @@ TEST(ScopeCommands, OperatorsApplyLeftToRight) {
 }
 
 TEST(ScopeCommands, BlankExcludeAndShow) {
-  file({"x", "  ", "y", "xy"});
+  fresh_file({"x", "  ", "y", "xy"});
   EXPECT_EQ(run("all blank"), 0);
   EXPECT_EQ(levels(), (std::vector<int32_t>{1, 0, 1, 1}));
-  file({"x", "y"});
+  fresh_file({"x", "y"});
   EXPECT_EQ(run("all b"), 2);
   EXPECT_EQ(last_msg(), "..... Not found");
   EXPECT_EQ(levels(), (std::vector<int32_t>{0, 0}));
-  file({"x1", "y1", "x2", "y2"});
+  fresh_file({"x1", "y1", "x2", "y2"});
   EXPECT_EQ(run("exclude /x/"), 0);
   EXPECT_EQ(levels(), (std::vector<int32_t>{1, 0, 1, 0}));
   EXPECT_EQ(cur(), 1);
@@ -175,7 +167,7 @@ TEST(ScopeCommands, BlankExcludeAndShow) {
 }
 
 TEST(ScopeCommands, SelectSetsAddsAndCaps) {
-  file({"a", "b", "c"});
+  fresh_file({"a", "b", "c"});
   EXPECT_EQ(run("select 5"), 0);
   EXPECT_EQ(levels(), (std::vector<int32_t>{5, 0, 0}));
   EXPECT_EQ(run("select +2 all"), 0);  // the hidden line 0 is skipped under SCOPE DISPLAY
@@ -198,7 +190,7 @@ TEST(ScopeCommands, SelectSetsAddsAndCaps) {
 }
 
 TEST(ColumnTargets, ClocateFormsAndStream) {
-  file({"abcdef abc", "xyz abc", "end"});
+  fresh_file({"abcdef abc", "xyz abc", "end"});
   xf_ring.file->column = 0;
   EXPECT_EQ(run("clocate :5"), 0);
   EXPECT_EQ(xf_ring.file->column, 4);
@@ -226,7 +218,7 @@ TEST(ColumnTargets, ClocateFormsAndStream) {
 }
 
 TEST(ColumnTargets, CdeleteUpToTheTarget) {
-  file({"abcdef", "one", "two", "three"});
+  fresh_file({"abcdef", "one", "two", "three"});
   xf_ring.file->column = 1;
   EXPECT_EQ(run("cdelete"), 0);
   EXPECT_EQ(xf_ring.file->line(0), "acdef");
@@ -241,7 +233,7 @@ TEST(ColumnTargets, CdeleteUpToTheTarget) {
 }
 
 TEST(ScopeCommands, ArbitraryCharactersInItems) {
-  file({"a1b", "ab", "b1a"});
+  fresh_file({"a1b", "ab", "b1a"});
   run("arbchar on $");
   EXPECT_EQ(run("all /a$b/"), 0);
   EXPECT_EQ(levels(), (std::vector<int32_t>{0, 0, 1}));

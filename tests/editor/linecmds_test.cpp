@@ -18,10 +18,8 @@ int32_t run(const std::string& cmd) {
   xf_new_step();
   return xfcom2(cmd, "/tmp");
 }
-int32_t cur() { return xf_current_line(); }
 xf_file& file() { return *xf_ring.file; }
 lines now() { return lines_of(file()); }
-std::string last_msg() { return queued_messages().empty() ? "" : queued_messages().back(); }
 
 void numbered(int n) {
   fresh_editor();

@@ -11,9 +11,7 @@ using lines = std::vector<std::string>;
 namespace {
 
 int32_t run(const std::string& cmd) { return xfcom2(cmd, "/tmp"); }
-int32_t cur() { return xf_current_line(); }
 int32_t cursor_col() { return xf_ring.file->cursor.column; }
-std::string last_msg() { return queued_messages().empty() ? "" : queued_messages().back(); }
 
 void ispf(const lines& l) {
   fresh_editor();

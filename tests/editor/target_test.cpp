@@ -13,8 +13,6 @@ using lines = std::vector<std::string>;
 namespace {
 
 int32_t run(const std::string& cmd) { return xfcom2(cmd, "/tmp"); }
-int32_t cur() { return xf_current_line(); }
-std::string last_msg() { return queued_messages().empty() ? "" : queued_messages().back(); }
 
 void five() {
   fresh_editor();

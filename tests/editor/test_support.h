@@ -34,3 +34,15 @@ inline std::vector<std::string> lines_of(const xf_file& f) {
 }
 
 inline std::vector<std::string>& queued_messages() { return xf_ring.views[0]->messages; }
+
+// The newest queued message, "" when none.
+inline std::string last_msg() { return queued_messages().empty() ? "" : queued_messages().back(); }
+
+inline int32_t cur() { return xf_current_line(); }
+
+// A clean editor holding one file of these lines, its first line current.
+inline void fresh_file(const std::vector<std::string>& lines) {
+  fresh_editor();
+  file_with(lines);
+  xf_current_line() = 0;
+}
