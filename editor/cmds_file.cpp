@@ -163,6 +163,34 @@ int xfcm_quit(const xf_cmd_call& c) {
   return 1;
 }
 
+// XEDCANcel: every file without changes leaves the ring; the current one stays current if it has changes.
+int xfcm_xedcancel(const xf_cmd_call&) {
+  if (!xf_ring.file) return 1;
+  xf_file* keep = xf_ring.file;
+  for (int32_t i = xf_file_count() - 1; i >= 0; --i) {
+    if (xf_ring.files[i]->alt_save != 0) continue;
+    if (xf_ring.files[i].get() == keep) keep = nullptr;
+    xf_set_file(i);
+    xf_close_file();
+  }
+  for (int32_t i = 0; keep && i < xf_file_count(); ++i)
+    if (xf_ring.files[i].get() == keep) xf_set_file(i);
+  after_close();
+  return 1;
+}
+
+// PDFCANcel: the current file leaves the ring unsaved.
+int xfcm_pdfcancel(const xf_cmd_call&) {
+  if (!xf_ring.file) return 1;
+  xf_close_file();
+  after_close();
+  return 1;
+}
+
+int xfcm_cancel(const xf_cmd_call& c) {
+  return xf_set.mode_command_ispf ? xfcm_pdfcancel(c) : xfcm_xedcancel(c);
+}
+
 int xfcm_exit(const xf_cmd_call&) { xf_exit(); }
 
 int xfcm_rw(const xf_cmd_call& c) {

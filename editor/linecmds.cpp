@@ -280,9 +280,7 @@ int pdf_delete(const xf_cmd_call& c) {
     else if (lw == "x") x = true;
     else if (lw == "nx") nx = true;
     else if (lw.size() > 1 && lw[0] == '.') {
-      int32_t line = -1;
-      for (const xf_point& p : f.points)
-        if (xf_lower(p.name) == lw) line = p.line;
+      int32_t line = xf_label_line(lw);
       if (line < 0) return fail(178, 1);
       labels.push_back(line);
     } else {
@@ -663,35 +661,8 @@ int put(const xf_cmd_call& c, bool and_delete) {
   if (path.empty()) {
     xf_lcmd.prefix_buffer.clear();
     for (int32_t l : lines) xf_lcmd.prefix_buffer.emplace_back(f.line(l));
-  } else {
-    std::size_t slash = path.rfind('/');
-    std::string dir = slash == 0 ? "/" : path.substr(0, slash);
-    if (os_file_kind(dir) != os_kind::directory) return fail(8, 1);
-    if (os_file_kind(path) == os_kind::directory) {
-      xf_msgf(XF_MSG_ERROR, "..... Unable to open file \"%s\"", path.c_str());
-      rc = 1;
-      return 1;
-    }
-    const char* eol = f.eol_unix ? "\n" : "\r\n";
-    os_save_options opt;
-    opt.target = path;
-    opt.backup_on = false;
-    os_save_result res = os_save(opt, [&](os_save_sink& s) {
-      for (int32_t l : lines) {
-        std::string text(f.line(l));
-        for (char& ch : text)
-          if (ch == '\n') ch = 0;
-        s.append(text);
-        s.append(eol);
-      }
-    });
-    if (!res.ok()) {
-      bool open_failed = res.status == os_save_status::create_failed || res.status == os_save_status::linked_to_itself;
-      xf_msgf(XF_MSG_ERROR, open_failed ? "..... Unable to open file \"%s\"" : "..... Unable to write in file \"%s\"",
-              path.c_str());
-      rc = 1;
-      return 1;
-    }
+  } else if (!xf_write_lines(path, lines)) {
+    return 1;
   }
   if (and_delete && !lines.empty()) {
     int32_t cur = current();
@@ -735,17 +706,9 @@ int get(const xf_cmd_call& c) {
     for (std::size_t k = 0; k < names; ++k) joined += (k ? " " : "") + w[k];
     std::string path;
     if (!file_operand(joined, path)) return fail(16, 5);
+    std::vector<std::string> all;
     std::string found;
-    int st = xf_find(path, xf_run.work_dir, false, found);
-    if (st == XF_FIND_TOO_LONG) return fail(2, 1);
-    if (st == XF_FIND_NOT_EDITABLE) return fail(1, 1);
-    if (st != XF_FIND_OK) return fail(22, 1);
-    os_kind kind = os_file_kind(found);
-    if (kind == os_kind::none) return fail(22, 1);
-    if (kind != os_kind::regular) return fail(1, 1);
-    std::string data;
-    if (os_read_file(found, data) != 0) return fail(0, 1);
-    std::vector<std::string> all = split_file(data, f.keep_blanks);
+    if (!xf_read_lines(path, all, &found)) return 1;
     if (static_cast<int32_t>(all.size()) < first) {
       xf_msgf(XF_MSG_ERROR, "..... File %s has only %d records", found.c_str(), static_cast<int>(all.size()));
       rc = 1;
@@ -756,19 +719,8 @@ int get(const xf_cmd_call& c) {
     lines.assign(std::make_move_iterator(b), std::make_move_iterator(e));
   }
   if (lines.empty()) return 1;
-  std::vector<xf_text> texts;
-  texts.reserve(lines.size());
-  for (const std::string& s : lines) texts.push_back(make_line(s));
-  int32_t at = current();
-  if (at >= f.size) at = f.size - 1;
-  int32_t n = static_cast<int32_t>(texts.size());
-  // The file's upper-case rule does not apply to what is read in.
-  int32_t saved_case = f.case_mode;
-  f.case_mode = 0;
-  one_change ch;
-  insert_after(at, texts);
-  f.case_mode = saved_case;
-  ch.done();
+  int32_t at = std::min(current(), f.size - 1);
+  int32_t n = xf_insert_read_lines(at, lines);
   if (!xf_set.mode_get_stay) current() = at + n;
   return 1;
 }
@@ -820,6 +772,83 @@ int cursor_line_command(char what) {
 }
 
 }  // namespace
+
+int32_t xf_insert_read_lines(int32_t at, const std::vector<std::string>& lines) {
+  if (lines.empty()) return 0;
+  xf_file& f = file();
+  std::vector<xf_text> texts;
+  texts.reserve(lines.size());
+  for (const std::string& s : lines) texts.push_back(make_line(s));
+  // The file's upper-case rule does not apply to what is read in.
+  int32_t saved_case = f.case_mode;
+  f.case_mode = 0;
+  one_change ch;
+  insert_after(at, texts);
+  f.case_mode = saved_case;
+  ch.done();
+  return static_cast<int32_t>(lines.size());
+}
+
+int32_t xf_label_line(std::string_view name) {
+  if (!xf_ring.file || name.size() < 2 || name[0] != '.') return -1;
+  std::string want = xf_lower(name);
+  for (const xf_point& p : file().points)
+    if (xf_lower(p.name) == want) return p.line;
+  return -1;
+}
+
+bool xf_file_operand(std::string_view ops, std::string& path) {
+  return file_operand(ops, path);
+}
+
+bool xf_read_lines(const std::string& path, std::vector<std::string>& lines, std::string* found_name) {
+  std::string found;
+  int st = xf_find(path, xf_run.work_dir, false, found);
+  if (st == XF_FIND_TOO_LONG) return fail(2, 1) == 0;
+  if (st == XF_FIND_NOT_EDITABLE) return fail(1, 1) == 0;
+  if (st != XF_FIND_OK) return fail(22, 1) == 0;
+  os_kind kind = os_file_kind(found);
+  if (kind == os_kind::none) return fail(22, 1) == 0;
+  if (kind != os_kind::regular) return fail(1, 1) == 0;
+  std::string data;
+  if (os_read_file(found, data) != 0) return fail(0, 1) == 0;
+  lines = split_file(data, xf_ring.file ? xf_ring.file->keep_blanks : false);
+  if (found_name) *found_name = found;
+  return true;
+}
+
+bool xf_write_lines(const std::string& path, const std::vector<int32_t>& lines) {
+  xf_file& f = file();
+  std::size_t slash = path.rfind('/');
+  std::string dir = slash == 0 ? "/" : path.substr(0, slash);
+  if (os_file_kind(dir) != os_kind::directory) return fail(8, 1) == 0;
+  if (os_file_kind(path) == os_kind::directory) {
+    xf_msgf(XF_MSG_ERROR, "..... Unable to open file \"%s\"", path.c_str());
+    rc = 1;
+    return false;
+  }
+  const char* eol = f.eol_unix ? "\n" : "\r\n";
+  os_save_options opt;
+  opt.target = path;
+  opt.backup_on = false;
+  os_save_result res = os_save(opt, [&](os_save_sink& s) {
+    for (int32_t l : lines) {
+      std::string text(f.line(l));
+      for (char& ch : text)
+        if (ch == '\n') ch = 0;
+      s.append(text);
+      s.append(eol);
+    }
+  });
+  if (!res.ok()) {
+    bool open_failed = res.status == os_save_status::create_failed || res.status == os_save_status::linked_to_itself;
+    xf_msgf(XF_MSG_ERROR, open_failed ? "..... Unable to open file \"%s\"" : "..... Unable to write in file \"%s\"",
+            path.c_str());
+    rc = 1;
+    return false;
+  }
+  return true;
+}
 
 void xf_linecmd_reset() { xf_lcmd = xf_linecmd_state{}; }
 
@@ -894,7 +923,7 @@ int xfcm_xedreplace(const xf_cmd_call& c) {
 }
 
 int xfcm_replace(const xf_cmd_call& c) {
-  return xf_set.mode_command_ispf ? xfcm_unavailable(c) : xed_replace(c);
+  return xf_set.mode_command_ispf ? xfcm_pdfreplace(c) : xed_replace(c);
 }
 
 int xfcm_xeddelete(const xf_cmd_call& c) {
@@ -914,7 +943,7 @@ int xfcm_xedcopy(const xf_cmd_call& c) {
 }
 
 int xfcm_copy(const xf_cmd_call& c) {
-  return xf_set.mode_command_ispf ? xfcm_unavailable(c) : xed_copy_move(c, false);
+  return xf_set.mode_command_ispf ? xfcm_pdfcopy(c) : xed_copy_move(c, false);
 }
 
 int xfcm_move(const xf_cmd_call& c) {

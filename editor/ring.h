@@ -44,6 +44,15 @@ struct xf_journal {
   std::vector<xf_jrecord> undo, redo;
 };
 
+// An ISPF COPY, CREATE or REPLACE parked until the prefix area names its destination or its lines.
+struct xf_pdf_request {
+  bool active = false;
+  std::string file;         // full path of the file to read from or write to
+  int32_t first = 1;        // COPY: the first line of that file to take (1-based)
+  int32_t last = -1;        // COPY: the last one, -1 for the end
+  bool replace = false;     // CREATE parked by REPLACE: an existing file may be overwritten
+};
+
 // One file of the ring. The line store is parallel arrays indexed by 0-based line number: text, len, select,
 // each `capacity` long; rows from `size` up are empty.
 struct xf_file {
@@ -72,6 +81,7 @@ struct xf_file {
   int32_t reload = 1;
   int32_t file_id = 0;
   std::vector<xf_point> points;
+  xf_pdf_request pdf_copy, pdf_create;
   int32_t syntax_state = -1;
   int32_t format[7] = {0, 71, -1, 0, 1, 0, 1};
   int32_t eol_unix = 0;
