@@ -88,9 +88,17 @@ void run_again(xf_file& f, xf_jrecord& r) {
 
 
 
+// Undo and redo act in the view under the cursor, when that view shows a file.
+void take_cursor_view() {
+  int32_t v = xf_ring.read_view;
+  if (v < 0 || v == xf_ring.view_no || v >= static_cast<int32_t>(xf_ring.views.size())) return;
+  if (xf_ring.views[v]->current_file >= 0) xf_set_view(v);
+}
+
 }  // namespace
 
 bool xf_undo() {
+  take_cursor_view();
   if (!xf_ring.file) return false;
   xf_file& f = *xf_ring.file;
   xf_journal& j = f.journal;
@@ -122,6 +130,7 @@ bool xf_undo() {
 }
 
 bool xf_redo() {
+  take_cursor_view();
   if (!xf_ring.file) return false;
   xf_file& f = *xf_ring.file;
   xf_journal& j = f.journal;

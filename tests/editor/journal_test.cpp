@@ -201,3 +201,36 @@ TEST(Journal, RandomChainsUndoToTheOriginalAndRedoToTheEnd) {
   }
   EXPECT_GT(changed_rounds, 50);
 }
+
+TEST(Journal, UndoAndRedoActInTheViewUnderTheCursor) {
+  fresh_editor();
+  file_with({"a"}, "/tmp/one.txt");
+  file_with({"b"}, "/tmp/two.txt");
+  // View 0 shows two.txt; a second view shows one.txt.
+  int32_t v2 = xf_new_view(12, 1, 11, 80, 0, 1, 1);
+  xf_ring.views[v2]->current_file = 0;
+  xf_set_view(v2);
+  xf_current_line() = 0;
+  run("input in one");
+  xf_set_view(0);
+  xf_current_line() = 0;
+  run("input in two");
+  ASSERT_EQ(xf_ring.file->name, "/tmp/two.txt");
+
+  xf_ring.read_view = v2;  // the cursor was last read in the second view
+  EXPECT_TRUE(xf_undo());
+  EXPECT_EQ(xf_ring.view_no, v2);
+  EXPECT_EQ(lines_of(*xf_ring.files[0]), (lines{"a"}));
+  EXPECT_EQ(lines_of(*xf_ring.files[1]), (lines{"b", "in two"})) << "the other view's file is untouched";
+
+  xf_set_view(0);
+  EXPECT_TRUE(xf_redo());
+  EXPECT_EQ(xf_ring.view_no, v2);
+  EXPECT_EQ(lines_of(*xf_ring.files[0]), (lines{"a", "in one"}));
+
+  xf_set_view(0);
+  xf_ring.read_view = -1;  // no cursor noted: the current view stays
+  EXPECT_TRUE(xf_undo());
+  EXPECT_EQ(xf_ring.view_no, 0);
+  EXPECT_EQ(lines_of(*xf_ring.files[1]), (lines{"b"}));
+}

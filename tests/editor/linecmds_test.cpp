@@ -97,8 +97,8 @@ TEST(LineCopyMove, TargetsAndMessages) {
   EXPECT_EQ(last_msg(), "..... Missing Operand");
   EXPECT_EQ(run("copy 1 /zz/"), 2);
   run("mode command ispf");
-  EXPECT_EQ(run("copy 1 2"), 1);
-  EXPECT_EQ(last_msg(), "..... Not implemented");
+  EXPECT_EQ(run("copy 1 2"), 5) << "in ISPF two words are a place, after or before a label";
+  EXPECT_EQ(last_msg(), "..... Invalid parameters");
   run("xedcopy 1 -*");
   EXPECT_EQ(now().front(), "1");
 }
@@ -171,8 +171,8 @@ TEST(LineAddInputReplace, TextRulesAndTopOfFile) {
   EXPECT_EQ(run("add x"), 5);
   EXPECT_EQ(run("add 99999999999"), 5);
   run("mode command ispf");
-  EXPECT_EQ(run("replace abc"), 1);
-  EXPECT_EQ(last_msg(), "..... Not implemented");
+  EXPECT_EQ(run("replace abc"), 0) << "in ISPF REPLACE names a file, and waits for the lines to write";
+  EXPECT_EQ(last_msg(), "..... PDF REPLACE pending");
   run("xedreplace abc");
   EXPECT_EQ(now()[1], "abc");
 }
