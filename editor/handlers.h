@@ -134,3 +134,6 @@ int xfcm_pdfreplace(const xf_cmd_call& c);
 int xfcm_cancel(const xf_cmd_call& c);
 int xfcm_pdfcancel(const xf_cmd_call& c);
 int xfcm_xedcancel(const xf_cmd_call& c);
+int xfcm_pending(const xf_cmd_call& c);
+int xfcm_prefix(const xf_cmd_call& c);
+int xfcm_reset(const xf_cmd_call& c);

@@ -231,6 +231,12 @@ void xf_shift_positions(int32_t line, int32_t n) {
   xf_view& v = *xf_ring.view;
   for (int32_t& l : v.open_lines)
     if (l > line) l += n;
+  xf_file& f = cur();
+  for (auto* list : {&f.prefix_pending_a, &f.prefix_pending_b})
+    for (xf_prefix_row& r : *list)
+      if (r.line > line) r.line += n;
+  for (xf_prefix_error& e : f.prefix_errors)
+    if (e.line > line) e.line += n;
   xf_cursor& c = cur().cursor;
   if (c.screen_col == 0 && c.line > line) c.line += n;
 }
@@ -241,6 +247,20 @@ void xf_drop_positions(int32_t line, int32_t n, int32_t keep) {
   ol.erase(std::remove_if(ol.begin(), ol.end(), [&](int32_t l) { return l >= line && l < line + n; }), ol.end());
   for (int32_t& l : ol)
     if (l >= line + n) l -= n;
+  // Prefix commands waiting on deleted lines are cancelled (marked done, so that a prefix run in progress keeps
+  // its places in the lists); those behind the range move with their lines.
+  xf_file& f = cur();
+  for (auto* list : {&f.prefix_pending_a, &f.prefix_pending_b})
+    for (xf_prefix_row& r : *list) {
+      if (r.line >= line && r.line < line + n) r.kind = -2;
+      else if (r.line >= keep + n) r.line -= n;
+    }
+  auto& errs = f.prefix_errors;
+  errs.erase(std::remove_if(errs.begin(), errs.end(), [&](const xf_prefix_error& e) {
+               return e.line >= line && e.line < line + n;
+             }), errs.end());
+  for (xf_prefix_error& e : errs)
+    if (e.line >= line + n) e.line -= n;
   int32_t fno = xf_ring.file_no;
   for (auto& view : xf_ring.views) {
     if (fno >= static_cast<int32_t>(view->per_file.size())) continue;

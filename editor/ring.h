@@ -44,6 +44,22 @@ struct xf_journal {
   std::vector<xf_jrecord> undo, redo;
 };
 
+// A prefix command waiting on a line: typed in the line's prefix field, or set by PENDing.
+struct xf_prefix_row {
+  int32_t view = 0;
+  int32_t line = 0;         // -1: the top-of-file row
+  int32_t kind = 0;         // table index 1..16, -1 a macro, -2 done
+  int32_t count = 1;
+  int32_t screen_row = -1;  // -1 when set by PENDing
+  std::vector<std::string> arguments;  // the name as typed, then up to 3 operands
+};
+
+// A prefix text that made no sense; it stays on show, highlighted, until overtyped.
+struct xf_prefix_error {
+  int32_t line = 0;
+  std::string text;
+};
+
 // An ISPF COPY, CREATE or REPLACE parked until the prefix area names its destination or its lines.
 struct xf_pdf_request {
   bool active = false;
@@ -82,6 +98,9 @@ struct xf_file {
   int32_t file_id = 0;
   std::vector<xf_point> points;
   xf_pdf_request pdf_copy, pdf_create;
+  std::vector<xf_prefix_row> prefix_pending_a;  // commands that complete by themselves
+  std::vector<xf_prefix_row> prefix_pending_b;  // block halves, destinations and the commands needing one
+  std::vector<xf_prefix_error> prefix_errors;
   int32_t syntax_state = -1;
   int32_t format[7] = {0, 71, -1, 0, 1, 0, 1};
   int32_t eol_unix = 0;
@@ -98,6 +117,7 @@ struct xf_view_file {
   int32_t current_line = 0;
   int32_t verify_first = 1, verify_last = 0x7ffffffe, verify_hex = 0;
   int32_t prefix = 1, prefix_width = 5;
+  int32_t prefix_right = 0, prefix_nulls = 0;  // PREfix ON RIGHT, PREfix NULLS
   int32_t zone_first = 0, zone_last = 0x7ffffffe;
   int32_t scale = 0, scale_row = -3;
   int32_t tabline = 0, tabline_row = -4;

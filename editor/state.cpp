@@ -6,6 +6,7 @@
 #include "editor/macros.h"
 #include "editor/messages.h"
 #include "editor/pdffind.h"
+#include "editor/prefix.h"
 #include "editor/regex.h"
 #include "editor/linecmds.h"
 #include "editor/ring.h"
@@ -27,5 +28,6 @@ void xf_state_reset() {
   xf_linecmd_reset();
   xf_re_reset();
   xf_pdf_reset();
+  xf_prefix_reset();
   xf_msgs = xf_msg_state{};
 }
