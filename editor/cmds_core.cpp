@@ -8,6 +8,7 @@
 #include "editor/macros.h"
 #include "editor/messages.h"
 #include "editor/operands.h"
+#include "editor/prefix.h"
 #include "editor/ring.h"
 #include "editor/state.h"
 #include "editor/fileio.h"
@@ -335,6 +336,7 @@ int xfcm_query(const xf_cmd_call& c) {
     for (const xf_synonym& s : xf_cmd.synonyms) xf_msg_text(synonym_text(s), XF_MSG_INFO);
     return 1;
   }
+  if (xf_abbrev(word, "pending", 4)) return xf_prefix_query(ops.substr(std::min(ops.size(), word.size())));
   int32_t row = xf_cmd_lookup(word);
   if (row < 0 || !xf_cmd_entries()[row].is_query) {
     xf_msgf(XF_MSG_ERROR, "..... Invalid command \"%s\"", std::string(ops).c_str());

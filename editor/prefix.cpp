@@ -257,6 +257,7 @@ void xf_prefix_read(int32_t view, int32_t line, std::string_view text, int32_t s
     }
     row.kind = single ? single : block;
     row.count = count;
+    for (std::size_t k = 0; k < ops.size() && k < 3; ++k) row.arguments.push_back(ops[k]);
     place_row(single ? f.prefix_pending_a : f.prefix_pending_b, std::move(row));
     return;
   }
@@ -351,7 +352,6 @@ int xfcm_pending(const xf_cmd_call& c) {
     int32_t k = block ? (xf_set.macro_on ? 0 : block_lookup(name)) : single_lookup(upper(name));
     if (k) {
       row.kind = k;
-      row.arguments.resize(1);
     } else {
       macro = true;
     }
@@ -423,5 +423,37 @@ int xfcm_prefix(const xf_cmd_call& c) {
 // RESet: the pending prefix commands and error texts of the current file go.
 int xfcm_reset(const xf_cmd_call&) {
   if (xf_ring.file) xf_prefix_clear(*xf_ring.file);
+  return 1;
+}
+
+int xf_prefix_query(std::string_view rest) {
+  std::vector<std::string> w = xf_tokens(xf_trim(rest));
+  bool block = false, oldname = false;
+  std::size_t i = 0;
+  for (; i < w.size(); ++i) {
+    std::string k = xf_lower(w[i]);
+    if (k == "block" && !block) block = true;
+    else if (k == "oldname" && !oldname) oldname = true;
+    else break;
+  }
+  if (i + 1 != w.size()) return xf_bad_operands(5);
+  if (!xf_ring.file) return 1;
+  std::string want = xf_lower(w[i]);
+  auto old_of = [](const std::string& name) {
+    for (const auto& [n, m] : xf_prefix.synonyms)
+      if (xf_lower(n) == xf_lower(name)) return m;
+    return name;
+  };
+  const xf_file& f = *xf_ring.file;
+  for (int list = 1; list >= (block ? 1 : 0); --list)
+    for (const xf_prefix_row& r : list == 1 ? f.prefix_pending_b : f.prefix_pending_a) {
+      if (r.kind == -2 || r.arguments.empty()) continue;
+      std::string name = r.arguments[0], old = old_of(name);
+      if (want != "*" && xf_lower(oldname ? old : name) != want) continue;
+      std::string text = "Line " + std::to_string(r.line + 1) + ": '" + name + "', Oldname='" + old + "'";
+      for (std::size_t k = 1; k < r.arguments.size() && k <= 3; ++k)
+        text += ", OP" + std::to_string(k) + "='" + r.arguments[k] + "'";
+      xf_msg_text(text, XF_MSG_INFO);
+    }
   return 1;
 }

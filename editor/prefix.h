@@ -47,3 +47,5 @@ bool xf_prefix_display(const xf_file& f, int32_t line, std::string& text, bool& 
 std::string xf_prefix_legend(const xf_file& f);
 // Removes every pending row and error text of a file (RESet).
 void xf_prefix_clear(xf_file& f);
+// Query pending [BLOCK] [OLDNAME] name|*: a line "Line %d: 'name', Oldname='old'" and its operands per row.
+int xf_prefix_query(std::string_view rest);

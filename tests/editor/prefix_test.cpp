@@ -315,3 +315,27 @@ TEST(PrefixCommand, SettingsReportsAndSynonyms) {
   cmd("prefix s *");
   EXPECT_EQ(last_msg(), "zap newdel");
 }
+
+TEST(PendingCommand, QueryListsRowsByNameOrOldName) {
+  numbered(6);
+  cmd("prefix synonym zap mydel");
+  xf_current_line() = 1;
+  cmd("pending on zap 7 x");
+  xf_current_line() = 3;
+  cmd("pending block CC");
+  type(4, "d2");
+  queued_messages().clear();
+  cmd("query pending *");
+  ASSERT_EQ(queued_messages().size(), 3u);
+  EXPECT_EQ(queued_messages()[0], "Line 4: 'CC', Oldname='CC'") << "the block list comes first";
+  EXPECT_EQ(queued_messages()[1], "Line 2: 'zap', Oldname='mydel', OP1='7', OP2='x'");
+  EXPECT_EQ(queued_messages()[2], "Line 5: 'd', Oldname='d', OP1='2'");
+  queued_messages().clear();
+  cmd("query pending oldname mydel");
+  ASSERT_EQ(queued_messages().size(), 1u);
+  EXPECT_EQ(queued_messages()[0].substr(0, 7), "Line 2:");
+  queued_messages().clear();
+  cmd("query pending block *");
+  EXPECT_EQ(queued_messages().size(), 1u);
+  EXPECT_EQ(cmd("query pending"), 5);
+}
