@@ -35,10 +35,6 @@ xf_zone_cols xf_zone() {
 
 bool xf_search_folds() { return xf_ring.file && (xf_ring.file->case_mode == 0 || xf_ring.file->case_mode == 2); }
 
-bool xf_word_char(unsigned char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
-
 bool xf_word_test(std::string_view line, int32_t col, int32_t len, int kind) {
   if (kind == 0) return true;
   int32_t n = static_cast<int32_t>(line.size());

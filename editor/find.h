@@ -18,6 +18,8 @@ xf_zone_cols xf_zone();
 bool xf_search_folds();
 // Is c a word character (letters, digits, underscore)?
 bool xf_word_char(unsigned char c);
+// Forgets the WORDChars rows (letters, digits and "_" again).
+void xf_wordchars_reset();
 // Kinds of word test: 0 any text, 1 a word's start, 2 a word's end, 3 a whole word.
 bool xf_word_test(std::string_view line, int32_t col, int32_t len, int kind);
 // First place of `pat` in line[from, end) or -1; `fold` compares A-Z as a-z.

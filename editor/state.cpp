@@ -3,6 +3,7 @@
 
 #include "editor/command.h"
 #include "editor/filetype.h"
+#include "editor/find.h"
 #include "editor/macros.h"
 #include "editor/messages.h"
 #include "editor/pdffind.h"
@@ -29,5 +30,6 @@ void xf_state_reset() {
   xf_re_reset();
   xf_pdf_reset();
   xf_prefix_reset();
+  xf_wordchars_reset();
   xf_msgs = xf_msg_state{};
 }
