@@ -258,3 +258,42 @@ int xfcm_display(const xf_cmd_call& c) {
   v.display[1] = high;
   return 1;
 }
+
+// TABSet col... [FT ext] | OFF: the tab stops of the file (or of a file type), in rising order, kept as the screen
+// library takes them: the count, a reserved word, then the columns.
+int xfcm_tabset(const xf_cmd_call& c) {
+  std::vector<std::string> w = words_of(c);
+  if (w.empty()) {
+    if (!xf_ring.file) return 1;
+    std::string s;
+    const std::vector<int32_t>& tabs = xf_ring.file->tabs;
+    for (std::size_t k = 2; k < tabs.size(); ++k) s += " " + std::to_string(tabs[k]);
+    xf_msg_text(s.empty() ? "..... Is OFF" : "..... Is" + s, XF_MSG_INFO);
+    return 1;
+  }
+  std::string ext;
+  bool typed = w.size() >= 2 && w[w.size() - 2] == "ft";
+  if (typed) {
+    ext = w.back();
+    w.resize(w.size() - 2);
+  }
+  std::vector<int32_t> cols;
+  if (!(w.size() == 1 && w[0] == "off"))
+    for (const std::string& x : w) {
+      int32_t n = 0;
+      if (!xf_parse_count(x, n) || n < 1) return xf_bad_operands(5);
+      cols.push_back(n);
+    }
+  if (cols.empty() && !(w.size() == 1 && w[0] == "off")) return xf_bad_operands(5);
+  std::sort(cols.begin(), cols.end());
+  cols.erase(std::unique(cols.begin(), cols.end()), cols.end());
+  // The screen library's form: the count, a reserved word, then the columns.
+  if (!cols.empty()) {
+    cols.insert(cols.begin(), {static_cast<int32_t>(cols.size()), 0});
+  }
+  if (typed)
+    xf_ft_set(XF_FT_TABS, ext, cols);
+  else if (xf_ring.file)
+    xf_ring.file->tabs = cols;
+  return 1;
+}

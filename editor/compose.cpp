@@ -85,8 +85,8 @@ std::string scale_text(const xf_file& f, const xf_view_file& s, int32_t width, i
 
 std::string tab_text(const xf_file& f, int32_t width, int32_t first_col) {
   std::string t(static_cast<std::size_t>(width), ' ');
-  for (int32_t tab : f.tabs) {
-    int32_t i = tab - 1 - first_col;
+  for (std::size_t k = 2; k < f.tabs.size(); ++k) {
+    int32_t i = f.tabs[k] - 1 - first_col;
     if (i >= width) break;
     if (i >= 0) t[static_cast<std::size_t>(i)] = 'T';
   }

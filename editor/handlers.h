@@ -145,3 +145,4 @@ int xfcm_scale(const xf_cmd_call& c);
 int xfcm_shadow(const xf_cmd_call& c);
 int xfcm_tabline(const xf_cmd_call& c);
 int xfcm_wordchars(const xf_cmd_call& c);
+int xfcm_tabset(const xf_cmd_call& c);

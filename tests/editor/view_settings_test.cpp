@@ -3,6 +3,7 @@
 
 #include <climits>
 
+#include "editor/filetype.h"
 #include "editor/find.h"
 #include "editor/journal.h"
 #include "editor/target.h"
@@ -129,4 +130,23 @@ TEST(ViewSettings, WordCharsByFileType) {
   EXPECT_FALSE(xf_word_char('a')) << "the row for * now answers types without their own";
   cmd("wordchars");
   EXPECT_EQ(last_msg(), "..... Is xyz");
+}
+
+TEST(ViewSettings, TabsetKeepsOrderedStopsAndTypeDefaults) {
+  fresh_file({"a"});
+  cmd("tabset");
+  EXPECT_EQ(last_msg(), "..... Is OFF");
+  cmd("tabset 9 1 5 5");
+  EXPECT_EQ(xf_ring.file->tabs, (std::vector<int32_t>{3, 0, 1, 5, 9}));
+  cmd("tabset");
+  EXPECT_EQ(last_msg(), "..... Is 1 5 9");
+  EXPECT_EQ(cmd("tabset 3 x"), 5);
+  EXPECT_EQ(cmd("tabset 0"), 5);
+  EXPECT_EQ(xf_ring.file->tabs.size(), 5u) << "a refused list changes nothing";
+  cmd("tabset 4 8 ft py");
+  file_with({"b"}, "/tmp/t.py");
+  xf_ft_apply(*xf_ring.file);  // as the opener does
+  EXPECT_EQ(xf_ring.file->tabs, (std::vector<int32_t>{2, 0, 4, 8})) << "a new file of the type takes the stops";
+  cmd("tabset off");
+  EXPECT_TRUE(xf_ring.file->tabs.empty());
 }
