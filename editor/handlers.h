@@ -146,3 +146,6 @@ int xfcm_shadow(const xf_cmd_call& c);
 int xfcm_tabline(const xf_cmd_call& c);
 int xfcm_wordchars(const xf_cmd_call& c);
 int xfcm_tabset(const xf_cmd_call& c);
+int xfcm_nextword(const xf_cmd_call& c);
+int xfcm_prevword(const xf_cmd_call& c);
+int xfcm_iswitch(const xf_cmd_call& c);
