@@ -149,3 +149,7 @@ int xfcm_tabset(const xf_cmd_call& c);
 int xfcm_nextword(const xf_cmd_call& c);
 int xfcm_prevword(const xf_cmd_call& c);
 int xfcm_iswitch(const xf_cmd_call& c);
+int xfcm_tabexp(const xf_cmd_call& c);
+int xfcm_hextype(const xf_cmd_call& c);
+int xfcm_preserve(const xf_cmd_call& c);
+int xfcm_restore(const xf_cmd_call& c);

@@ -1,6 +1,7 @@
 // Program-wide editor state and its reset.
 #include "editor/state.h"
 
+#include "editor/cmds_small.h"
 #include "editor/command.h"
 #include "editor/filetype.h"
 #include "editor/find.h"
@@ -31,5 +32,6 @@ void xf_state_reset() {
   xf_pdf_reset();
   xf_prefix_reset();
   xf_wordchars_reset();
+  xf_small_reset();
   xf_msgs = xf_msg_state{};
 }
