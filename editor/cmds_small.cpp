@@ -90,23 +90,10 @@ int xfcm_tabexp(const xf_cmd_call& c) {
 // HEXType [target]: the lines' bytes within the zone, two lines each, in a new file named name.hextype.
 int xfcm_hextype(const xf_cmd_call& c) {
   if (!xf_ring.file) return 1;
-  std::string op(xf_trim(xf_operands(c.text)));
-  int32_t status = 0, fell = 0;
-  int32_t d = xf_target_distance(op, status, fell, false);
-  if (status == xf_target_invalid) {
-    rc = 5;
-    return 1;
-  }
-  if (status == xf_target_not_found) {
-    rc = fell ? fell : 2;
-    return 1;
-  }
+  int32_t first = 0, last = -1;
+  if (!xf_target_range(xf_trim(xf_operands(c.text)), first, last)) return 1;
   xf_file& f = *xf_ring.file;
   const xf_view_file& vf = xf_ring.view->per_file[xf_ring.file_no];
-  int32_t cur = xf_current_line();
-  int32_t first = d >= 0 ? cur : cur + d + 1, last = d >= 0 ? cur + d - 1 : cur;
-  first = std::max(first, 0);
-  last = std::min(last, f.size - 1);
   std::vector<std::string> out;
   static const char digits[] = "0123456789ABCDEF";
   for (int32_t l = first; l <= last; ++l) {
@@ -143,27 +130,57 @@ int xfcm_hextype(const xf_cmd_call& c) {
   return 1;
 }
 
+namespace {
+
+// Copies the kept settings into the record (save) or back out of it.
+void transfer(preserved& p, bool save) {
+  auto sync = [save](auto& kept, auto& live) {
+    if (save)
+      kept = live;
+    else
+      live = kept;
+  };
+  xf_settings& s = xf_set;
+  sync(p.search.arb_on, xf_search.arb_on);
+  sync(p.search.arb, xf_search.arb);
+  sync(p.search.span_on, xf_search.span_on);
+  sync(p.search.span_blank, xf_search.span_blank);
+  sync(p.search.span_lines, xf_search.span_lines);
+  sync(p.search.varblank, xf_search.varblank);
+  sync(p.search.wrap, xf_search.wrap);
+  sync(p.search.stay, xf_search.stay);
+  sync(p.search.hex, xf_search.hex);
+  for (int32_t xf_settings::*m :
+       {&xf_settings::mode_command_ispf, &xf_settings::mode_prefix_ispf, &xf_settings::mode_locate_stay,
+        &xf_settings::mode_enter_stay, &xf_settings::mode_autoexit, &xf_settings::mode_number_goto,
+        &xf_settings::mode_change_all, &xf_settings::mode_redisplay, &xf_settings::mode_topline,
+        &xf_settings::mode_get_stay, &xf_settings::mode_icursor, &xf_settings::mode_reserved_skip,
+        &xf_settings::mode_notimp, &xf_settings::mode_scroll_wrap, &xf_settings::mode_expand_on,
+        &xf_settings::mode_expand_env, &xf_settings::macro_on})
+    sync(p.modes.*m, s.*m);
+  sync(p.scope, xf_ring.view->scope);
+  sync(p.curline, xf_ring.view->curline);
+  if (!xf_ring.file || (!save && !p.has_file)) return;
+  p.has_file = true;
+  xf_file& f = *xf_ring.file;
+  xf_view_file& vf = xf_ring.view->per_file[xf_ring.file_no];
+  sync(p.case_mode, f.case_mode);
+  sync(p.case_search_s, f.case_search_s);
+  sync(p.case_search_c, f.case_search_c);
+  for (int k = 0; k < 7; ++k) sync(p.format[k], f.format[k]);
+  sync(p.zone_first, vf.zone_first);
+  sync(p.zone_last, vf.zone_last);
+  sync(p.scale_row, vf.scale_row);
+  sync(p.tabline_row, vf.tabline_row);
+}
+
+}  // namespace
+
 // PREServe: the search settings, the MODE words, MACRO, and the current file's and view's case, format, zone,
 // scope and screen rows go on a stack.
 int xfcm_preserve(const xf_cmd_call&) {
   preserved p;
-  p.search = xf_search;
-  p.modes = xf_set;
-  if (xf_ring.file) {
-    const xf_file& f = *xf_ring.file;
-    const xf_view_file& vf = xf_ring.view->per_file[xf_ring.file_no];
-    p.has_file = true;
-    p.case_mode = f.case_mode;
-    p.case_search_s = f.case_search_s;
-    p.case_search_c = f.case_search_c;
-    std::copy(std::begin(f.format), std::end(f.format), p.format);
-    p.zone_first = vf.zone_first;
-    p.zone_last = vf.zone_last;
-    p.scale_row = vf.scale_row;
-    p.tabline_row = vf.tabline_row;
-  }
-  p.scope = xf_ring.view->scope;
-  p.curline = xf_ring.view->curline;
+  transfer(p, true);
   preserve_stack.push_back(std::move(p));
   return 1;
 }
@@ -171,46 +188,7 @@ int xfcm_preserve(const xf_cmd_call&) {
 // RESTore: the newest PREServe record comes back; with none, nothing happens.
 int xfcm_restore(const xf_cmd_call&) {
   if (preserve_stack.empty()) return 1;
-  preserved p = std::move(preserve_stack.back());
+  transfer(preserve_stack.back(), false);
   preserve_stack.pop_back();
-  // Only the preserved kinds come back: the search strings remembered since stay.
-  std::string last_locate = xf_search.last_locate, memorised = xf_search.memorised;
-  bool has_memorised = xf_search.has_memorised;
-  xf_search = p.search;
-  xf_search.last_locate = last_locate;
-  xf_search.memorised = memorised;
-  xf_search.has_memorised = has_memorised;
-  xf_settings& s = xf_set;
-  s.mode_command_ispf = p.modes.mode_command_ispf;
-  s.mode_prefix_ispf = p.modes.mode_prefix_ispf;
-  s.mode_locate_stay = p.modes.mode_locate_stay;
-  s.mode_enter_stay = p.modes.mode_enter_stay;
-  s.mode_autoexit = p.modes.mode_autoexit;
-  s.mode_number_goto = p.modes.mode_number_goto;
-  s.mode_change_all = p.modes.mode_change_all;
-  s.mode_redisplay = p.modes.mode_redisplay;
-  s.mode_topline = p.modes.mode_topline;
-  s.mode_get_stay = p.modes.mode_get_stay;
-  s.mode_icursor = p.modes.mode_icursor;
-  s.mode_reserved_skip = p.modes.mode_reserved_skip;
-  s.mode_notimp = p.modes.mode_notimp;
-  s.mode_scroll_wrap = p.modes.mode_scroll_wrap;
-  s.mode_expand_on = p.modes.mode_expand_on;
-  s.mode_expand_env = p.modes.mode_expand_env;
-  s.macro_on = p.modes.macro_on;
-  if (p.has_file && xf_ring.file) {
-    xf_file& f = *xf_ring.file;
-    xf_view_file& vf = xf_ring.view->per_file[xf_ring.file_no];
-    f.case_mode = p.case_mode;
-    f.case_search_s = p.case_search_s;
-    f.case_search_c = p.case_search_c;
-    std::copy(std::begin(p.format), std::end(p.format), f.format);
-    vf.zone_first = p.zone_first;
-    vf.zone_last = p.zone_last;
-    vf.scale_row = p.scale_row;
-    vf.tabline_row = p.tabline_row;
-  }
-  xf_ring.view->scope = p.scope;
-  xf_ring.view->curline = p.curline;
   return 1;
 }

@@ -797,6 +797,14 @@ int32_t xf_label_line(std::string_view name) {
   return -1;
 }
 
+bool xf_target_range(std::string_view op, int32_t& first, int32_t& last) {
+  line_range r;
+  if (!range_of(op, r)) return false;
+  first = r.first;
+  last = r.last;
+  return true;
+}
+
 bool xf_file_operand(std::string_view ops, std::string& path) {
   return file_operand(ops, path);
 }

@@ -34,3 +34,6 @@ bool xf_write_lines(const std::string& path, const std::vector<int32_t>& lines);
 int32_t xf_insert_read_lines(int32_t at, const std::vector<std::string>& lines);
 // The line an ISPF label (".name", any case) stands on in the current file, or -1.
 int32_t xf_label_line(std::string_view name);
+// The lines a range operand names from the current line (a count, a target; empty is 1), clamped to the file;
+// false after the target's failure, with rc 5 (invalid) or 2 (not found).
+bool xf_target_range(std::string_view op, int32_t& first, int32_t& last);

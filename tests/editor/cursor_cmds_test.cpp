@@ -8,11 +8,6 @@
 
 namespace {
 
-int32_t cmd(const std::string& text) {
-  xf_new_step();
-  return xfcom2(text, "/tmp");
-}
-
 // The cursor noted in line `line`, column `col` (0-based), as a screen read leaves it.
 void cursor_at(int32_t line, int32_t col) {
   xf_place p;

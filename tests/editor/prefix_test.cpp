@@ -27,11 +27,6 @@ void enter() {
   xf_prefix_run();
 }
 
-int32_t cmd(const std::string& text) {
-  xf_new_step();
-  return xfcom2(text, "/tmp");
-}
-
 lines now() { return lines_of(*xf_ring.file); }
 const xf_file& f() { return *xf_ring.file; }
 

@@ -5,15 +5,6 @@
 #include "editor/target.h"
 #include "tests/editor/test_support.h"
 
-namespace {
-
-int32_t cmd(const std::string& text) {
-  xf_new_step();
-  return xfcom2(text, "/tmp");
-}
-
-}  // namespace
-
 TEST(SmallCommands, TabExpansionWidthsAndTheFirstTab) {
   fresh_file({"1234567\tx", "\ta\tb", "no tabs", "a\t"});
   cmd("tabexp");

@@ -6,6 +6,7 @@
 
 #include "editor/cmdtable.h"
 #include "editor/command.h"
+#include "editor/journal.h"
 #include "editor/ring.h"
 #include "editor/startup.h"
 #include "editor/state.h"
@@ -45,4 +46,10 @@ inline void fresh_file(const std::vector<std::string>& lines) {
   fresh_editor();
   file_with(lines);
   xf_current_line() = 0;
+}
+
+// One user-level command in /tmp: a new undo step, then the command; its rc.
+inline int32_t cmd(const std::string& text) {
+  xf_new_step();
+  return xfcom2(text, "/tmp");
 }

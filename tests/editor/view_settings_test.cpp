@@ -11,11 +11,6 @@
 
 namespace {
 
-int32_t cmd(const std::string& text) {
-  xf_new_step();
-  return xfcom2(text, "/tmp");
-}
-
 xf_view& view() { return *xf_ring.view; }
 xf_view_file& here() { return view().per_file[xf_ring.file_no]; }
 
