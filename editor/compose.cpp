@@ -328,6 +328,11 @@ void compose_cmdline(composer& c, xf_view& v, xf_view_fields& vf, int32_t view_n
 
 void place_cursor(const xf_view& v, const xf_view_fields& vf, int32_t view_no) {
   if (xf_scr.cursor_view != view_no) return;
+  if (xf_scr.cursor_cell_line > 0) {
+    asfcur(0, std::min(xf_scr.cursor_cell_line, xf_scr.nb_rows), std::min(xf_scr.cursor_cell_col, xf_scr.nb_cols));
+    xf_scr.cursor_placed = fsstatus() == 0;
+    if (xf_scr.cursor_placed) return;
+  }
   if (!xf_scr.cursor_on_cmd) {
     for (const auto* table : {&vf.lower, &vf.upper})
       for (const xf_row& r : *table) {
@@ -416,15 +421,24 @@ void xf_file_rows(const xf_view& v, int32_t& first, int32_t& last) {
 }
 
 void xf_cursor_to_cmd(int32_t col) {
+  xf_scr.cursor_cell_line = 0;
   xf_scr.cursor_on_cmd = true;
   xf_scr.cmd_col = col;
   xf_scr.cursor_view = std::max(0, xf_ring.view_no);
 }
 
 void xf_cursor_to_line(int32_t line, int32_t col) {
+  xf_scr.cursor_cell_line = 0;
   xf_scr.cursor_on_cmd = false;
   xf_scr.cursor_line = line;
   xf_scr.cursor_col = col;
+  xf_scr.cursor_view = std::max(0, xf_ring.view_no);
+}
+
+void xf_cursor_to_cell(int32_t line, int32_t col) {
+  xf_scr.cursor_on_cmd = false;
+  xf_scr.cursor_cell_line = std::max(1, line);
+  xf_scr.cursor_cell_col = std::max(1, col);
   xf_scr.cursor_view = std::max(0, xf_ring.view_no);
 }
 
@@ -465,11 +479,14 @@ void xf_compose() {
     // The ring bar: the short names of the files, in file order.
     vf.ring_field = c.field(v.top + base - 1, v.left, 1, v.width, FT_PROTECTED, 1, xf_scr.colour[XA_MSGLINE], 0,
                             FA_NO_CLICK_MOVE);
+    vf.ring_row = v.top + base - 1;
     std::string bar;
     for (const auto& fp : xf_ring.files) {
       std::string n = short_name(fp->name);
       if (static_cast<int32_t>(bar.size() + n.size()) > v.width) break;
       if (!bar.empty()) bar += ' ';
+      int32_t first = v.left + static_cast<int32_t>(bar.size());
+      vf.ring_spans.emplace_back(first, first + std::max<int32_t>(1, static_cast<int32_t>(n.size())) - 1);
       bar += n;
     }
     composer::put(vf.ring_field, bar);

@@ -28,6 +28,8 @@ struct xf_view_fields {
   std::vector<std::pair<int32_t, int32_t>> below;      // empty rows below the end: field id, line typing gives
   int32_t cmd_field = -1, cmd_row = 0, cmd_rows = 1;   // the command line (-1 when hidden)
   int32_t message_field = -1, ring_field = -1, id_field = -1;
+  int32_t ring_row = 0;                                // screen row of the ring bar
+  std::vector<std::pair<int32_t, int32_t>> ring_spans;  // per file shown in the bar: first and last screen column
   int32_t prefix_width = 5, data_width = 0, text_col = 0, first_col = 0;  // first_col: 0-based column of cell 1
   bool composed = false;
 };
@@ -52,6 +54,7 @@ struct xf_screen_state {
   bool cursor_on_cmd = true;
   int32_t cmd_col = 1;
   int32_t cursor_line = 0, cursor_col = 0;
+  int32_t cursor_cell_line = 0, cursor_cell_col = 0;  // above 0: the cursor goes to this screen cell
   bool cursor_placed = false;  // the last composition found the wished place on the screen
 };
 extern xf_screen_state xf_scr;
@@ -69,3 +72,5 @@ std::string xf_shadow_text(int32_t n, int32_t w);
 // Asks for the cursor on the command line, or on a line and 0-based column of the current file.
 void xf_cursor_to_cmd(int32_t col = 1);
 void xf_cursor_to_line(int32_t line, int32_t col);
+// Asks for the cursor at a screen cell (1-based), for places that are no line: a prefix field, a row above the top.
+void xf_cursor_to_cell(int32_t line, int32_t col);

@@ -134,6 +134,11 @@ int xfcm_pdfreplace(const xf_cmd_call& c);
 int xfcm_cancel(const xf_cmd_call& c);
 int xfcm_pdfcancel(const xf_cmd_call& c);
 int xfcm_xedcancel(const xf_cmd_call& c);
+// The mouse and pasting (mouse.cpp, paste.cpp).
+int xfcm_mousemode(const xf_cmd_call& c);
+int xfcm_wheel(const xf_cmd_call& c);
+int xfcm_s_paste(const xf_cmd_call& c);
+int xfcm_powerinput(const xf_cmd_call& c);
 int xfcm_pending(const xf_cmd_call& c);
 int xfcm_prefix(const xf_cmd_call& c);
 int xfcm_reset(const xf_cmd_call& c);

@@ -15,6 +15,9 @@
 #include "editor/journal.h"
 #include "editor/keys.h"
 #include "editor/messages.h"
+#include "editor/mouse.h"
+#include "editor/paste.h"
+#include "editor/power.h"
 #include "editor/ring.h"
 #include "editor/startup.h"
 #include "editor/state.h"
@@ -26,12 +29,7 @@ xf_input_state xf_in;
 namespace {
 
 // Where the cursor stood when the input was taken.
-enum note_kind { N_NONE, N_CMD, N_LINE, N_BELOW, N_ABOVE, N_TOF };
-struct cursor_note {
-  note_kind kind = N_NONE;
-  int32_t view = 0, line = 0, column = 0, index = 0;
-};
-cursor_note note;
+xf_place note;
 
 std::vector<bool> modified_ids() {
   std::vector<int> ids(8192), sizes(8192), used(8192);
@@ -129,20 +127,29 @@ void take_view(const xf_view_fields& vf, const std::vector<bool>& mod) {
   xf_shift_positions(-1, shift);
   xf_current_line() += shift;
   if (note.view == xf_ring.view_no) {
-    if (note.kind == N_LINE && note.line >= 0) note.line += shift;
-    if (note.kind == N_ABOVE && note.index <= far) note = {N_LINE, note.view, far - note.index, note.column, 0};
-    if (note.kind == N_TOF) note = {N_LINE, note.view, far + 1, note.column, 0};
+    if (note.kind == XP_LINE && note.line >= 0) note.line += shift;
+    if (note.kind == XP_ABOVE && note.index <= far) {
+      note.kind = XP_LINE;
+      note.line = far - note.index;
+    }
+    if (note.kind == XP_TOF) {
+      note.kind = XP_LINE;
+      note.line = far + 1;
+    }
   }
 }
 
 void apply_note() {
   switch (note.kind) {
-    case N_CMD: xf_cursor_to_cmd(note.column); break;
-    case N_LINE:
-    case N_BELOW: xf_cursor_to_line(note.line, note.column); break;
+    case XP_CMD: xf_cursor_to_cmd(note.column); break;
+    case XP_LINE:
+    case XP_BELOW: xf_cursor_to_line(note.line, note.column); break;
+    case XP_TOF: xf_cursor_to_line(-1, note.column); break;
+    case XP_PREFIX:
+    case XP_ABOVE: xf_cursor_to_cell(note.screen_line, note.screen_col); break;
     default: break;
   }
-  if (note.kind != N_NONE) xf_scr.cursor_view = note.view;
+  if (note.kind != XP_NONE) xf_scr.cursor_view = note.view;
 }
 
 xf_file* xf_file_of_view(int32_t vn) {
@@ -152,7 +159,7 @@ xf_file* xf_file_of_view(int32_t vn) {
 
 // The line under the cursor and its 0-based column, when it stands on a line.
 bool cursor_line(int32_t& line, int32_t& column) {
-  if (note.kind != N_LINE && note.kind != N_BELOW) return false;
+  if (note.kind != XP_LINE && note.kind != XP_BELOW) return false;
   if (!xf_ring.file || note.line < 0 || note.line >= xf_ring.file->size) return false;
   line = note.line;
   column = note.column;
@@ -161,7 +168,7 @@ bool cursor_line(int32_t& line, int32_t& column) {
 
 // A character that found no room in its field goes into the line (or the command line) at the cursor.
 void insert_char(int ch) {
-  if (note.kind == N_CMD) {
+  if (note.kind == XP_CMD) {
     xfack(0);
     std::string& t = xf_run.command_line;
     std::size_t at = static_cast<std::size_t>(std::max(0, note.column - 1));
@@ -183,6 +190,10 @@ void insert_char(int ch) {
   xf_do('r', xf_new_text(t), line, 1, 1, nullptr, "xf_ins");
   xf_ring.file->alt_save++;
   xf_cursor_to_line(line, col + 1);
+  if (xf_ring.file->power[0]) {  // POWerinput: the paragraph flows on around the cursor
+    note.column = col + 1;
+    xf_pow(1);
+  }
 }
 
 // Delete and erase on a line that is cut on the screen, where the library cannot see the whole line.
@@ -226,53 +237,69 @@ void relayout() {
 
 void xf_input_reset() {
   xf_in = xf_input_state{};
-  note = cursor_note{};
+  note = xf_place{};
+  xf_mouse_reset();
+  xf_paste_reset();
+}
+
+const xf_place& xf_cursor_place() { return note; }
+void xf_set_cursor_place(const xf_place& p) { note = p; }
+
+void xf_store_changes() {
+  xfack(1);
+  apply_note();
+}
+
+xf_place xf_place_at(int id, int cell, int screen_line, int screen_col) {
+  xf_place p;
+  p.screen_line = screen_line;
+  p.screen_col = screen_col;
+  if (id <= 0) return p;
+  auto at = [&](xf_place_kind kind, int32_t vn, int32_t line, int32_t column, int32_t index = 0) {
+    p.kind = kind;
+    p.view = vn;
+    p.line = line;
+    p.column = column;
+    p.index = index;
+    return p;
+  };
+  for (int32_t vn = 0; vn < static_cast<int32_t>(xf_scr.views.size()); ++vn) {
+    const xf_view_fields& vf = xf_scr.views[static_cast<std::size_t>(vn)];
+    int32_t col = vf.first_col + cell - 1;
+    if (id == vf.cmd_field) return at(XP_CMD, vn, 0, cell);
+    for (const auto* table : {&vf.upper, &vf.lower})
+      for (const xf_row& r : *table) {
+        if (r.data_field == id) return at(r.line < 0 ? XP_TOF : XP_LINE, vn, r.line, col);
+        if (r.prefix_field == id) return at(XP_PREFIX, vn, r.line, cell - 1);
+      }
+    for (const auto& [fid, line] : vf.below)
+      if (fid == id) return at(XP_BELOW, vn, line, col);
+    for (int32_t k = 0; k < static_cast<int32_t>(vf.above.size()); ++k)
+      if (vf.above[static_cast<std::size_t>(k)] == id) return at(XP_ABOVE, vn, 0, col, k);
+  }
+  return p;
 }
 
 void xf_note_cursor() {
-  note = cursor_note{};
+  note = xf_place{};
   xf_ring.read_view = -1;
   // Off a text cell, the file's cursor holds a screen place, which no line command takes for a line.
   for (int32_t vn = 0; vn < static_cast<int32_t>(xf_ring.views.size()); ++vn)
     if (xf_file* f = xf_file_of_view(vn)) f->cursor.screen_col = 1;
-  int id = 0, rline = 0, rcol = 0;
-  asqcur(1, id, rline, rcol);
-  if (id <= 0) return;
-  for (int32_t vn = 0; vn < static_cast<int32_t>(xf_scr.views.size()); ++vn) {
-    const xf_view_fields& vf = xf_scr.views[static_cast<std::size_t>(vn)];
-    int32_t col = vf.first_col + (rline - 1) * vf.data_width + rcol - 1;
-    if (id == vf.cmd_field) {
-      int32_t w = xf_ring.views[static_cast<std::size_t>(vn)]->width - 6;
-      note = {N_CMD, vn, 0, (rline - 1) * w + rcol, 0};
-      return;
+  int id = 0, cell = 0, sline = 0, scol = 0, none = 0, rline = 0;
+  asqcur(0, none, sline, scol);
+  asqcur(2, id, rline, cell);
+  note = xf_place_at(id, cell, sline, scol);
+  if (note.kind == XP_LINE && note.line >= 0) {  // the commands that work at the cursor start from here
+    xf_ring.read_view = note.view;
+    xf_ring.read_line = note.line;
+    xf_ring.read_column = note.column;
+    if (xf_file* f = xf_file_of_view(note.view)) {
+      f->cursor.view = note.view;
+      f->cursor.screen_col = 0;
+      f->cursor.line = note.line;
+      f->cursor.column = note.column + 1;
     }
-    for (const auto* table : {&vf.upper, &vf.lower})
-      for (const xf_row& r : *table)
-        if (r.data_field == id) {
-          note = r.line < 0 ? cursor_note{N_TOF, vn, -1, rcol - 1, 0} : cursor_note{N_LINE, vn, r.line, col, 0};
-          if (r.line >= 0) {  // the commands that work at the cursor start from here
-            xf_ring.read_view = vn;
-            xf_ring.read_line = r.line;
-            xf_ring.read_column = col;
-            if (xf_file* f = xf_file_of_view(vn)) {
-              f->cursor.view = vn;
-              f->cursor.screen_col = 0;
-              f->cursor.line = r.line;
-              f->cursor.column = col + 1;
-            }
-          }
-          return;
-        }
-    for (const auto& [fid, line] : vf.below)
-      if (fid == id) {
-        note = {N_BELOW, vn, line, col, 0};
-        return;
-      }
-    for (int32_t k = 0; k < static_cast<int32_t>(vf.above.size()); ++k)
-      if (vf.above[static_cast<std::size_t>(k)] == id) {
-        note = {N_ABOVE, vn, 0, col, k};
-        return;
-      }
   }
 }
 
@@ -300,14 +327,16 @@ void xfack(int step) {
     for (auto& f : xf_ring.files) f->step_start = 1;
 }
 
-void xfread(std::string_view) {
+void xfread(std::string_view work_dir) {
   if (!xf_in.shown) {
     asfview(1);
     xf_in.shown = true;
   }
   while (true) {
     int kind = ASR_QUIT, value = 0, nmod = 0;
+    asfpaste(1);  // a paste comes whole, as ASR_PASTE, to this read only; other readers have it typed
     asread(kind, value, nmod);
+    asfpaste(0);
     xf_in.ev = xf_event{kind, value, nmod, 0};
     switch (kind) {
       case ASR_QUIT: quit_read();
@@ -339,7 +368,13 @@ void xfread(std::string_view) {
         continue;
       case ASR_FIELD_END:
         xfack(1);
-        if (note.kind == N_LINE && note.line >= 0) {
+        if (note.kind == XP_LINE && note.line >= 0 && xf_ring.file && xf_ring.file->power[0]) {
+          note.column += 1;  // behind the character typed on the last cell
+          int32_t before = note.line;
+          xf_pow(0);
+          // A margin wider than the field breaks nothing: the line gets a row more, as without POWerinput.
+          if (note.line == before) xf_ring.view->open_lines.push_back(note.line);
+        } else if (note.kind == XP_LINE && note.line >= 0) {
           xf_ring.view->open_lines.push_back(note.line);
           xf_cursor_to_line(note.line, note.column + 1);
         } else {
@@ -350,6 +385,21 @@ void xfread(std::string_view) {
       case ASR_DEL:
       case ASR_ERASE:
         edit_cut_line(kind == ASR_ERASE);
+        xf_compose();
+        continue;
+      case ASR_BUTTON:
+      case ASR_DRAG:
+      case ASR_WHEEL_UP:
+      case ASR_WHEEL_DOWN:
+        // Served here: no mouse event runs the Enter definition.
+        if (xf_mouse_event(kind, value, work_dir)) {
+          xf_in.ev.no_key = 1;
+          return;
+        }
+        continue;
+      case ASR_PASTE:
+        xf_store_changes();
+        xf_paste_event(asqpaste());
         xf_compose();
         continue;
       default:
@@ -376,7 +426,7 @@ void xf_key_step(std::string_view work_dir) {
     xf_run.command_line.clear();
     xf_scr.cmd_col = 1;
   }
-  bool on_cmd = note.kind == N_CMD;
+  bool on_cmd = note.kind == XP_CMD;
   for (const std::string& c : cmds) {
     if (!typed_blank && (c == typed.substr(b) || "&" + c == typed.substr(b))) {
       xf_history_add(c);
@@ -410,7 +460,7 @@ std::string xf_indent(int32_t line) {
 
 void xfautoi() {
   if (!xf_ring.file) return;
-  if (xf_in.autoindent && note.kind == N_LINE && note.line >= 0 && note.line < xf_ring.file->size) {
+  if (xf_in.autoindent && note.kind == XP_LINE && note.line >= 0 && note.line < xf_ring.file->size) {
     xf_file& f = *xf_ring.file;
     std::string_view t = f.line(note.line);
     if (note.column >= static_cast<int32_t>(t.size()) || t == " ") {
@@ -427,24 +477,24 @@ void xfautoi() {
     }
   }
   if (xf_set.mode_enter_stay && xf_in.autoindent_stay) return;
-  if (note.kind == N_CMD) return;
+  if (note.kind == XP_CMD) return;
   xf_cursor_to_cmd(static_cast<int32_t>(xf_run.command_line.size()) + 1);
 }
 
 // The cursor keys' commands act on where the cursor stood at the last read.
 int xfcm_c_startline(const xf_cmd_call&) {
   if (xf_run.batch) return 1;
-  if (note.kind == N_CMD) xf_cursor_to_cmd(1);
-  if (note.kind == N_LINE && note.line >= 0 && xf_in_scope(note.line)) xf_cursor_to_line(note.line, 0);
+  if (note.kind == XP_CMD) xf_cursor_to_cmd(1);
+  if (note.kind == XP_LINE && note.line >= 0 && xf_in_scope(note.line)) xf_cursor_to_line(note.line, 0);
   return 1;
 }
 
 int xfcm_c_endline(const xf_cmd_call&) {
   if (xf_run.batch) return 1;
-  if (note.kind == N_CMD) {
+  if (note.kind == XP_CMD) {
     std::size_t e = xf_run.command_line.find_last_not_of(' ');
     xf_cursor_to_cmd(e == std::string::npos ? 1 : static_cast<int32_t>(e) + 2);
-  } else if (note.kind == N_LINE && xf_ring.file && note.line >= 0 && note.line < xf_ring.file->size &&
+  } else if (note.kind == XP_LINE && xf_ring.file && note.line >= 0 && note.line < xf_ring.file->size &&
              xf_in_scope(note.line)) {
     xf_cursor_to_line(note.line, xf_ring.file->len[note.line]);
   }
@@ -460,7 +510,7 @@ int xfcm_c_endcurl(const xf_cmd_call&) {
 
 int xfcm_c_ext(const xf_cmd_call&) {
   if (xf_run.batch) return 1;
-  if (note.kind != N_LINE || !xf_ring.file || note.line < 0 || note.line >= xf_ring.file->size) {
+  if (note.kind != XP_LINE || !xf_ring.file || note.line < 0 || note.line >= xf_ring.file->size) {
     xf_msg_text("..... Invalid cursor position", XF_MSG_ERROR);
     rc = 1;
     return 1;

@@ -349,6 +349,38 @@ bool click_moves(result& r, const fs_event& ev) {
   return true;
 }
 
+// --- pastes ---
+
+// A paste for a reader that does not take pastes: text without line ends is typed, as the keys would type it
+// (a tab through Ctrl+Tab, which inserts it); text with line ends would run line by line, so it is refused.
+result paste_event() {
+  std::string text = g_fs.host->take_paste();
+  if (g_as.paste_reason) {
+    g_as.paste_text = std::move(text);
+    return done(ASR_PASTE);
+  }
+  if (text.find('\n') != std::string::npos) {
+    g_fs.host->flash();
+    return kNothing;
+  }
+  std::deque<fs_event> typed;
+  for (unsigned char c : text) {
+    fs_event k;
+    if (c == '\t') {
+      k.code = kTab;
+      k.mods = FSM_CTRL;
+    } else if (c >= 32 && c != 127) {
+      k.code = c;
+      k.ch = c;
+    } else {
+      continue;
+    }
+    typed.push_back(k);
+  }
+  g_as.queue.insert(g_as.queue.begin(), typed.begin(), typed.end());
+  return kNothing;
+}
+
 // --- keys ---
 
 bool role_is(as_role r, const fs_event& ev, bool exact) {
@@ -430,6 +462,7 @@ result handle(const fs_event& ev) {
       fs_place_cursor();
       return g_as.focus_reports ? done(ASR_FOCUS_IN) : kNothing;
     case FSK_FOCUS_OUT: return done(ASR_FOCUS_OUT);
+    case FSH_PASTE: return paste_event();
     default: break;
   }
   const bool plain = !g_as.shift && !g_as.ctrl && !g_as.alt;
@@ -560,7 +593,8 @@ void asread(int& kind, int& value, int& nmod) {
       }
       continue;
     }
-    if ((ev.code >= FSK_MOVE && ev.code <= FSK_DRAG) || (ev.code >= FSK_BUTTON1 && ev.code <= FSK_BUTTON3))
+    if ((ev.code >= FSK_MOVE && ev.code <= FSK_DRAG) || (ev.code >= FSK_BUTTON1 && ev.code <= FSK_BUTTON3) ||
+        ev.code == FSK_WHEEL_UP || ev.code == FSK_WHEEL_DOWN)
       set_mouse_cell(ev);
     if (ev.code == FSK_MOVE) continue;
     set_modifiers(ev);
@@ -585,6 +619,9 @@ void asread(int& kind, int& value, int& nmod) {
   g_as.key_usec = ev.microseconds;
   fs_ok();
 }
+
+void asfpaste(int on) { g_as.paste_reason = on != 0; }
+std::string asqpaste() { return g_as.paste_text; }
 
 void asqdrag(int out[6]) {
   for (int i = 0; i < 6; ++i) out[i] = g_as.sel[i];

@@ -22,7 +22,7 @@ enum : int {
   ASR_FIELD_END = 32, ASR_REVERSE = 36, ASR_CLICK = 38, ASR_KEYED = 39, ASR_VSCROLL = 40, ASR_FOCUS_IN = 42,
   ASR_MENU_ITEM = 43, ASR_DEL = 44, ASR_ERASE = 45, ASR_UP_EXIT = 47, ASR_DOWN_EXIT = 48, ASR_DY_CLOSE = 49,
   ASR_DY_BUTTON = 59, ASR_RECOLOUR = 60, ASR_DY_SELECT = 62, ASR_MENUBAR = 63, ASR_TOOLBAR = 64, ASR_ALT = 65,
-  ASR_FOCUS_OUT = 67, ASR_SELECTED = 68, ASR_WHEEL_UP = 670, ASR_WHEEL_DOWN = 671, ASR_CLOSE = 672,
+  ASR_FOCUS_OUT = 67, ASR_SELECTED = 68, ASR_PASTE = 69, ASR_WHEEL_UP = 670, ASR_WHEEL_DOWN = 671, ASR_CLOSE = 672,
   ASR_MOVED = 673
 };
 
@@ -66,3 +66,7 @@ void asfmodel(int model);         // key roles of a keyboard model (14 at start)
 void asfalttab(int ch, int on);   // marks a character that Alt reports as ASR_ALT
 // Loads a keyboard file into the keyboard rows; kind 1 or 2 is stored, 0 keeps it. A null file only sets the kind.
 void asfkeyb(const char* file, int kind);
+// Pastes of the display (a terminal's bracketed paste): with on, each ends the read as ASR_PASTE and its text is
+// asqpaste's; off (the start), a paste without line ends is typed into the field and one with line ends refused.
+void asfpaste(int on);
+std::string asqpaste();  // the text of the last ASR_PASTE, lines ended by LF

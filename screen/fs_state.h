@@ -115,6 +115,8 @@ struct as_state {
   int keyfile_kind = 0;
   bool keyfile_loaded = false;
   int pending_kind = -1, pending_value = 0;  // a result decided inside an editing step
+  bool paste_reason = false;  // asfpaste: a paste ends the read
+  std::string paste_text;     // the text of the last ASR_PASTE
 };
 
 extern fs_lib g_fs;

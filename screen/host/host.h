@@ -47,7 +47,7 @@ inline constexpr unsigned FSH_MOUSE = 2;       // delivers mouse events
 inline constexpr unsigned FSH_OWN_REPEAT = 4;  // the device repeats keys itself: the library's repeat waits are skipped
 inline constexpr unsigned FSH_POPUP = 8;       // can show a popup menu
 
-// Event code of a paste of text with line ends (a terminal's bracketed paste); the text is taken with take_paste.
+// Event code of a paste of text (a terminal's bracketed paste); the text is taken with take_paste.
 inline constexpr uint16_t FSH_PASTE = 32840;
 
 class fs_host {

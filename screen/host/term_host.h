@@ -40,8 +40,7 @@ class term_host final : public fs_host {
   // A boxed menu at the cell: arrows, Enter, Esc, first letter or mouse; the item from 0 or -1.
   int popup(std::span<const std::string> labels, int line, int col) override;
   void show(bool visible) override;
-  // A bracketed paste with line ends arrives as one FSH_PASTE event with this text; one without line ends
-  // arrives as typed characters.
+  // A bracketed paste arrives as one FSH_PASTE event with this text (CR LF and lone CR made LF).
   std::string take_paste() override;
 
   // Puts what was painted on the terminal now (a wait does it before it sleeps).

@@ -76,7 +76,9 @@ struct term_host::impl {
   void push(fs_event ev, bool with_release);
   void push_key(term_key k, bool with_release = true);
   void mouse_report();
+  void sgr_mouse(const term_csi& r);
   void paste_byte(int byte);
+  void paste_escape(int rc, wint_t wc);
   void paste_end();
 
   // --- output ---

@@ -141,8 +141,12 @@ void term_host::impl::take(int rc, wint_t wc) {
 void term_host::impl::escape() {
   wint_t wc = 0;
   int rc = read_now(wc, 0);  // ncurses has already waited ESCAPEdelay for what follows
+  if (in_paste) {
+    paste_escape(rc, wc);
+    return;
+  }
   if (rc == ERR) {
-    if (!in_paste) push_key({27, 0});
+    push_key({27, 0});
     return;
   }
   if (rc == OK && wc == '[') {
@@ -156,13 +160,11 @@ void term_host::impl::escape() {
         return;
       }
     }
-    if (in_paste) return;
     push_key({'[', FSM_ALT});  // no sequence after all: Alt+[ and what was typed after it
     for (char c : body) push_key(term_tty_byte(static_cast<unsigned char>(c)));
     if (rc != ERR) take(rc, wc);
     return;
   }
-  if (in_paste) return;
   if (rc == KEY_CODE_YES) {
     auto it = keys.find(static_cast<int>(wc));
     if (it == keys.end()) {
@@ -182,16 +184,42 @@ void term_host::impl::escape() {
   push_key(k);
 }
 
-void term_host::impl::csi(std::string_view body) {
-  term_csi r = term_parse_csi(body);
-  if (in_paste) {
-    if (r.kind == term_csi::paste_end) paste_end();
+// An ESC inside a paste: the paste's end, or pasted bytes that stay in the text as they came. (Sequences that
+// ncurses itself decodes as keys cannot be given back and are left out.)
+void term_host::impl::paste_escape(int rc, wint_t wc) {
+  paste_byte(27);
+  if (rc != OK || wc != '[') {
+    if (rc != ERR) take(rc, wc);
     return;
   }
+  std::string body;
+  bool left_over = false;  // the last input read is no part of the sequence
+  while (body.size() < 64) {
+    rc = read_now(wc, kSequenceWaitMs);
+    if (rc != OK || wc > 0x7e) {
+      left_over = rc != ERR;
+      break;
+    }
+    body.push_back(static_cast<char>(wc));
+    if (wc >= 0x40) break;
+  }
+  if (!left_over && !body.empty() && body.back() >= 0x40 && term_parse_csi(body).kind == term_csi::paste_end) {
+    paste.pop_back();  // the ESC of the end sequence
+    paste_end();
+    return;
+  }
+  paste_byte('[');
+  for (char c : body) paste_byte(static_cast<unsigned char>(c));
+  if (left_over) take(rc, wc);
+}
+
+void term_host::impl::csi(std::string_view body) {
+  term_csi r = term_parse_csi(body);
   fs_event ev;
   switch (r.kind) {
     case term_csi::none: return;  // a sequence of no interest
     case term_csi::key: push_key(r.k); return;
+    case term_csi::mouse: sgr_mouse(r); return;
     case term_csi::focus_in:
     case term_csi::focus_out:
       ev.code = r.kind == term_csi::focus_in ? FSK_FOCUS_IN : FSK_FOCUS_OUT;
@@ -226,11 +254,10 @@ void term_host::impl::paste_end() {
   in_paste = false;
   if (paste_refused) ::flash();
   std::string text;
-  bool eol = false;
+  text.reserve(paste.size());
   for (size_t i = 0; i < paste.size(); ++i) {
     char c = paste[i];
     if (c == '\r' || c == '\n') {
-      eol = true;
       text.push_back('\n');
       if (c == '\r' && i + 1 < paste.size() && paste[i + 1] == '\n') ++i;
       continue;
@@ -238,20 +265,11 @@ void term_host::impl::paste_end() {
     text.push_back(c);
   }
   paste.clear();
-  if (eol) {
-    last_paste = std::move(text);
-    fs_event ev;
-    ev.code = FSH_PASTE;
-    push(ev, false);
-    return;
-  }
-  // Typed into the field: a tab goes in as Ctrl+Tab, which types it; other control bytes are dropped.
-  for (unsigned char c : text) {
-    if (c == '\t')
-      push_key({9, FSM_CTRL});
-    else if (c >= 32 && c != 127)
-      push_key({c, 0});
-  }
+  // The whole paste is one event, however long: the reader decides how it goes in (asfpaste).
+  last_paste = std::move(text);
+  fs_event ev;
+  ev.code = FSH_PASTE;
+  push(ev, false);
 }
 
 void term_host::impl::mouse_report() {
@@ -282,6 +300,35 @@ void term_host::impl::mouse_report() {
     ev.code = static_cast<uint16_t>(held ? FSK_DRAG : FSK_MOVE);
     push(ev, false);
   }
+}
+
+// An SGR report: the button number's low bits name the button (3: none), 4 Shift, 8 Alt, 16 Ctrl, 32 motion,
+// 64 the wheel. The events are those that ncurses' own decoding makes.
+void term_host::impl::sgr_mouse(const term_csi& r) {
+  if (in_paste) return;
+  fs_event ev;
+  if (r.button & 4) ev.mods |= FSM_SHIFT;
+  if (r.button & 8) ev.mods |= FSM_ALT;
+  if (r.button & 16) ev.mods |= FSM_CTRL;
+  ev.x = static_cast<int16_t>(std::min((r.x - 1) * cell_w + cell_w / 2, 32767));
+  ev.y = static_cast<int16_t>(std::min((r.y - 1) * cell_h + cell_h / 2, 32767));
+  const int low = r.button & 3;
+  if (r.button & 64) {
+    if (low > 1 || r.release) return;  // sideways wheels
+    ev.code = static_cast<uint16_t>(low == 0 ? FSK_WHEEL_UP : FSK_WHEEL_DOWN);
+    push(ev, false);
+    return;
+  }
+  if (r.button & 32) {
+    ev.code = static_cast<uint16_t>(low == 3 ? (held ? FSK_DRAG : FSK_MOVE) : FSK_DRAG);
+    push(ev, false);
+    return;
+  }
+  if (low == 3) return;
+  ev.code = static_cast<uint16_t>(FSK_BUTTON1 + low);
+  ev.release = r.release ? 1 : 0;
+  held = r.release ? 0 : low + 1;
+  push(ev, false);
 }
 
 fs_wait term_host::wait(fs_event& ev, int timeout_ms) {

@@ -177,6 +177,14 @@ term_csi term_parse_csi(std::string_view body) {
     if (event == 3) return r;  // a release: the host makes its own
     return codepoint_key(param(p, 0, 0), term_mods_from_param(param(p, 1, 1)));
   }
+  if (p.marker == '<' && (p.final == 'M' || p.final == 'm') && p.params.size() == 3) {
+    r.kind = term_csi::mouse;
+    r.button = param(p, 0, 0);
+    r.x = param(p, 1, 1);
+    r.y = param(p, 2, 1);
+    r.release = p.final == 'm';
+    return r;
+  }
   if (p.marker) return r;
   if (p.final == '~') {
     int n = param(p, 0, 0);

@@ -32,8 +32,12 @@ std::optional<term_key> term_extended_name(std::string_view name);
 
 // What a control sequence (the bytes after ESC [, final byte included) stands for.
 struct term_csi {
-  enum kind_t { none, key, focus_in, focus_out, paste_begin, paste_end, kitty_answer } kind = none;
+  enum kind_t { none, key, focus_in, focus_out, paste_begin, paste_end, kitty_answer, mouse } kind = none;
   term_key k;
+  // An SGR mouse report ncurses left alone (its terminfo names another mouse protocol, as tmux-256color does):
+  // the report's button number, the 1-based cell, and whether it is a release.
+  int button = 0, x = 0, y = 0;
+  bool release = false;
 };
 term_csi term_parse_csi(std::string_view body);
 

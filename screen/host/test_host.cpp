@@ -69,6 +69,24 @@ void test_host::click(int button, int line, int col, uint16_t mods) {
 void test_host::drag(int line, int col) { push_event(mouse_event(kDragCode, line, col, 0, false)); }
 void test_host::move(int line, int col) { push_event(mouse_event(kMoveCode, line, col, 0, false)); }
 
+void test_host::wheel(bool up, int line, int col, uint16_t mods) {
+  push_event(mouse_event(up ? 670 : 671, line, col, mods, false));
+}
+
+void test_host::paste(std::string_view text) {
+  fs_event ev;
+  ev.code = FSH_PASTE;
+  pastes_.emplace_back(text);
+  push_event(ev);
+}
+
+std::string test_host::take_paste() {
+  if (pastes_.empty()) return {};
+  std::string t = std::move(pastes_.front());
+  pastes_.pop_front();
+  return t;
+}
+
 void test_host::quiet(int n) {
   for (int i = 0; i < n; ++i) script_.push_back({step::quiet, {}});
 }

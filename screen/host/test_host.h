@@ -20,6 +20,8 @@ class test_host : public fs_host {
   void click(int button, int line, int col, uint16_t mods = 0);   // press and release
   void drag(int line, int col);
   void move(int line, int col);
+  void wheel(bool up, int line, int col, uint16_t mods = 0);  // one turn of the wheel over a cell
+  void paste(std::string_view text);     // a paste of the display (FSH_PASTE), its text for take_paste
   void quiet(int n = 1);                 // n waits that end with no event (the timeout of a timed wait)
   void resize(int lines, int cols);      // the display changes size
   void advance(uint32_t microseconds);   // moves the script clock on
@@ -51,6 +53,7 @@ class test_host : public fs_host {
   void message(std::string_view text) override { messages.emplace_back(text); }
   int popup(std::span<const std::string> labels, int line, int col) override;
   void show(bool on) override { visible = on; }
+  std::string take_paste() override;
 
  private:
   struct step {
@@ -64,6 +67,7 @@ class test_host : public fs_host {
   uint64_t clock_us_ = 1'000'000;
   std::deque<step> script_;
   std::deque<int> popup_answers_;
+  std::deque<std::string> pastes_;
   std::vector<std::string> text_;
   std::vector<std::string> hlt_;
 };

@@ -12,32 +12,12 @@
 #include "screen/as_read.h"
 #include "screen/fs.h"
 #include "screen/host/test_host.h"
-#include "test_support.h"
+#include "tests/editor/live_editor.h"
 
 namespace {
 
-class compose_test : public ::testing::Test {
+class compose_test : public live_editor {
  protected:
-  void start(int rows = 24, int cols = 80, bool ispf = false) {
-    host = std::make_unique<test_host>(rows, cols);
-    fs_sethost(host.get());
-    fs_reset();
-    fsinit(0, nullptr);
-    ASSERT_EQ(fsstatus(), 0);
-    xf_state_reset();
-    xf_screen_reset();
-    xf_input_reset();
-    xf_keys_reset();
-    xf_run.batch = 0;
-    xf_run.work_dir = "/tmp";
-    if (ispf) xf_set.mode_command_ispf = xf_set.mode_prefix_ispf = 1;
-    xfini(rows, cols);
-  }
-  void TearDown() override {
-    fs_reset();
-    fs_sethost(nullptr);
-    xf_state_reset();
-  }
   // The screen as text, one row a line, trailing blanks cut.
   std::string picture() {
     xf_compose();
@@ -50,15 +30,6 @@ class compose_test : public ::testing::Test {
     }
     return out;
   }
-  // One turn of the interactive loop on the scripted events: compose, read, run the key.
-  void turn(bool compose = true) {
-    if (compose) xf_compose();
-    xfread(xf_run.work_dir);
-    xf_key_step(xf_run.work_dir);
-    while (xfcom(xf_run.work_dir)) {
-    }
-  }
-  std::unique_ptr<test_host> host;
 };
 
 // The id row of a view of the given width: the name, then "Len:" and the size, then "mod: " and the count.

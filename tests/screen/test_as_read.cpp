@@ -900,3 +900,31 @@ TEST_F(screen_read, random_events_and_records_keep_the_page_sound) {
     EXPECT_EQ(static_cast<int>(s->size()), cells);
   }
 }
+
+TEST_F(screen_read, pastes_are_typed_refused_or_reported) {
+  field({1, 1, 1, 1, 20});
+  asfcur(1, 1, 1);
+  // A reader that takes no pastes: the text is typed (a tab through Ctrl+Tab, other control bytes dropped).
+  asfinsert(1);
+  host->paste("ab\tc\x01");
+  host->key(kEnter);
+  EXPECT_EQ(read(), ASR_ENTER);
+  EXPECT_EQ(text(1).substr(0, 4), "ab\tc");
+  EXPECT_EQ(cursor(), (std::pair<int, int>{1, 5}));
+  // With line ends it would run line by line: refused with the flash, and nothing is typed.
+  int flashes = host->flashes;
+  host->paste("x\ny");
+  host->key(kEnter);
+  EXPECT_EQ(read(), ASR_ENTER);
+  EXPECT_EQ(host->flashes, flashes + 1);
+  EXPECT_EQ(text(1).substr(0, 5), "ab\tc ");
+  // A reader that takes them gets the whole text as the reason's own, and the typing before it stays.
+  asfpaste(1);
+  host->type("Z");
+  host->paste("one\ntwo\n");
+  EXPECT_EQ(read(), ASR_PASTE);
+  EXPECT_EQ(asqpaste(), "one\ntwo\n");
+  EXPECT_EQ(nmod, 1);
+  EXPECT_EQ(text(1).substr(0, 5), "ab\tcZ");
+  asfpaste(0);
+}

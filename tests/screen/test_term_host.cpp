@@ -214,6 +214,40 @@ TEST_F(screen_term_host, keys_of_xterm_256color) {
   EXPECT_EQ(presses("ab"), (std::vector<press>{{'a', 0}, {'b', 0}}));
 }
 
+// Inside tmux (TERM=tmux-256color) Home and End come as "CSI 1~" and "CSI 4~", and the modified keys in the
+// xterm forms that its terminfo entry names (kf13-kf63, kUP5, kDC3, ...).
+TEST_F(screen_term_host, keys_of_tmux_256color) {
+  ASSERT_TRUE(start("tmux-256color")) << why;
+  struct row {
+    const char* bytes;
+    press key;
+  };
+  const row rows[] = {
+      {"\x1bOA", {FSK_UP, 0}},          {"\x1b[A", {FSK_UP, 0}},            {"\x1bOB", {FSK_DOWN, 0}},
+      {"\x1bOD", {FSK_LEFT, 0}},        {"\x1bOC", {FSK_RIGHT, 0}},         {"\x1b[1;2A", {FSK_UP, S}},
+      {"\x1b[1;5B", {FSK_DOWN, C}},     {"\x1b[1;3D", {FSK_LEFT, A}},       {"\x1b[1;6C", {FSK_RIGHT, C | S}},
+      {"\x1b[1;7A", {FSK_UP, C | A}},   {"\x1b[1;8B", {FSK_DOWN, C | S | A}},
+      {"\x1b[1~", {FSK_HOME, 0}},       {"\x1b[4~", {FSK_END, 0}},          {"\x1b[1;2H", {FSK_HOME, S}},
+      {"\x1b[1;5H", {FSK_HOME, C}},     {"\x1b[1;2F", {FSK_END, S}},        {"\x1b[1;5F", {FSK_END, C}},
+      {"\x1b[1;3H", {FSK_HOME, A}},     {"\x1b[5~", {FSK_PGUP, 0}},         {"\x1b[6~", {FSK_PGDN, 0}},
+      {"\x1b[5;2~", {FSK_PGUP, S}},     {"\x1b[6;5~", {FSK_PGDN, C}},       {"\x1b[5;3~", {FSK_PGUP, A}},
+      {"\x1b[2~", {FSK_INSERT, 0}},     {"\x1b[2;2~", {FSK_INSERT, S}},     {"\x1b[2;5~", {FSK_INSERT, C}},
+      {"\x1b[3~", {127, 0}},            {"\x1b[3;2~", {127, S}},            {"\x1b[3;5~", {127, C}},
+      {"\x1b[3;3~", {127, A}},          {"\x1bOP", {FSK_F1, 0}},            {"\x1bOS", {FSK_F1 + 3, 0}},
+      {"\x1b[15~", {FSK_F1 + 4, 0}},    {"\x1b[21~", {FSK_F1 + 9, 0}},      {"\x1b[24~", {FSK_F1 + 11, 0}},
+      {"\x1b[1;2P", {FSK_F1, S}},       {"\x1b[1;2R", {FSK_F1 + 2, S}},     {"\x1b[15;2~", {FSK_F1 + 4, S}},
+      {"\x1b[24;2~", {FSK_F1 + 11, S}}, {"\x1b[1;5P", {FSK_F1, C}},         {"\x1b[17;5~", {FSK_F1 + 5, C}},
+      {"\x1b[1;6S", {FSK_F1 + 3, C | S}}, {"\x1b[23;6~", {FSK_F1 + 10, C | S}}, {"\x1b[1;3P", {FSK_F1, A}},
+      {"\x1b[24;3~", {FSK_F1 + 11, A}}, {"\x1b[1;4R", {FSK_F1 + 2, A | S}}, {"\x1b[19;7~", {FSK_F1 + 7, C | A}},
+      {"\x1b[1;8Q", {FSK_F1 + 1, C | S | A}},
+  };
+  for (const auto& r : rows) {
+    auto got = presses(r.bytes);
+    ASSERT_EQ(got.size(), 1u) << "sequence " << testing::PrintToString(std::string(r.bytes));
+    EXPECT_EQ(got[0], r.key) << "sequence " << testing::PrintToString(std::string(r.bytes));
+  }
+}
+
 TEST_F(screen_term_host, escape_alone_or_alt_depends_on_the_delay) {
   ASSERT_TRUE(start()) << why;  // the delay is 40 ms
   // ESC, and x typed 400 ms later while the host waits: two keys
@@ -292,43 +326,49 @@ TEST_F(screen_term_host, lost_terminal_ends_every_wait) {
 
 // --- mouse ---
 
+// SGR mouse reports and the events they make: code, release, modifiers, pixel position of the cell's centre.
+struct mouse_row {
+  const char* bytes;
+  int code;
+  bool release;
+  uint16_t mods;
+  int x, y;
+};
+const mouse_row kMouseRows[] = {
+    {"\x1b[<0;12;5M", FSK_BUTTON1, false, 0, 92, 72},
+    {"\x1b[<32;13;5M", FSK_DRAG, false, 0, 100, 72},
+    {"\x1b[<0;13;5m", FSK_BUTTON1, true, 0, 100, 72},
+    {"\x1b[<35;14;6M", FSK_MOVE, false, 0, 108, 88},
+    {"\x1b[<1;1;1M", FSK_BUTTON2, false, 0, 4, 8},
+    {"\x1b[<1;1;1m", FSK_BUTTON2, true, 0, 4, 8},
+    {"\x1b[<2;80;25M", FSK_BUTTON3, false, 0, 636, 392},
+    {"\x1b[<2;80;25m", FSK_BUTTON3, true, 0, 636, 392},
+    {"\x1b[<64;3;3M", FSK_WHEEL_UP, false, 0, 20, 40},
+    {"\x1b[<65;3;3M", FSK_WHEEL_DOWN, false, 0, 20, 40},
+    {"\x1b[<4;2;2M", FSK_BUTTON1, false, S, 12, 24},
+    {"\x1b[<4;2;2m", FSK_BUTTON1, true, S, 12, 24},
+    {"\x1b[<16;2;2M", FSK_BUTTON1, false, C, 12, 24},
+    {"\x1b[<16;2;2m", FSK_BUTTON1, true, C, 12, 24},
+    {"\x1b[<8;2;2M", FSK_BUTTON1, false, A, 12, 24},
+    {"\x1b[<8;2;2m", FSK_BUTTON1, true, A, 12, 24},
+};
+
 TEST_F(screen_term_host, mouse_reports_at_cell_centres) {
-  ASSERT_TRUE(start()) << why;
-  struct row {
-    const char* bytes;
-    int code;
-    bool release;
-    uint16_t mods;
-    int x, y;
-  };
-  const row rows[] = {
-      {"\x1b[<0;12;5M", FSK_BUTTON1, false, 0, 92, 72},
-      {"\x1b[<32;13;5M", FSK_DRAG, false, 0, 100, 72},
-      {"\x1b[<0;13;5m", FSK_BUTTON1, true, 0, 100, 72},
-      {"\x1b[<35;14;6M", FSK_MOVE, false, 0, 108, 88},
-      {"\x1b[<1;1;1M", FSK_BUTTON2, false, 0, 4, 8},
-      {"\x1b[<1;1;1m", FSK_BUTTON2, true, 0, 4, 8},
-      {"\x1b[<2;80;25M", FSK_BUTTON3, false, 0, 636, 392},
-      {"\x1b[<2;80;25m", FSK_BUTTON3, true, 0, 636, 392},
-      {"\x1b[<64;3;3M", FSK_WHEEL_UP, false, 0, 20, 40},
-      {"\x1b[<65;3;3M", FSK_WHEEL_DOWN, false, 0, 20, 40},
-      {"\x1b[<4;2;2M", FSK_BUTTON1, false, S, 12, 24},
-      {"\x1b[<4;2;2m", FSK_BUTTON1, true, S, 12, 24},
-      {"\x1b[<16;2;2M", FSK_BUTTON1, false, C, 12, 24},
-      {"\x1b[<16;2;2m", FSK_BUTTON1, true, C, 12, 24},
-      {"\x1b[<8;2;2M", FSK_BUTTON1, false, A, 12, 24},
-      {"\x1b[<8;2;2m", FSK_BUTTON1, true, A, 12, 24},
-  };
-  for (const auto& r : rows) {
-    pty->type(r.bytes);
-    auto evs = events();
-    std::string what = testing::PrintToString(std::string(r.bytes));
-    ASSERT_EQ(evs.size(), 1u) << what;
-    EXPECT_EQ(evs[0].code, r.code) << what;
-    EXPECT_EQ(evs[0].release != 0, r.release) << what;
-    EXPECT_EQ(evs[0].mods, r.mods) << what;
-    EXPECT_EQ(evs[0].x, r.x) << what;
-    EXPECT_EQ(evs[0].y, r.y) << what;
+  for (const char* type : {"xterm-256color", "tmux-256color"}) {
+    ASSERT_TRUE(start(type)) << why;
+    for (const auto& r : kMouseRows) {
+      pty->type(r.bytes);
+      auto evs = events();
+      std::string what = std::string(type) + " " + testing::PrintToString(std::string(r.bytes));
+      ASSERT_EQ(evs.size(), 1u) << what;
+      EXPECT_EQ(evs[0].code, r.code) << what;
+      EXPECT_EQ(evs[0].release != 0, r.release) << what;
+      EXPECT_EQ(evs[0].mods, r.mods) << what;
+      EXPECT_EQ(evs[0].x, r.x) << what;
+      EXPECT_EQ(evs[0].y, r.y) << what;
+    }
+    host.reset();
+    pty->drain();
   }
 }
 
@@ -356,12 +396,14 @@ TEST_F(screen_term_host, mouse_past_column_223) {
 
 // --- paste ---
 
-TEST_F(screen_term_host, paste_without_line_ends_is_typed) {
+TEST_F(screen_term_host, paste_without_line_ends_is_one_paste_event) {
   ASSERT_TRUE(start()) << why;
   EXPECT_NE(started_output.find("\033[?2004h"), std::string::npos);
-  EXPECT_EQ(presses("\x1b[200~hi\tX\xc3\xa9\x1b[201~"),
-            (std::vector<press>{{'h', 0}, {'i', 0}, {9, C}, {'X', 0}, {0xe9, 0}}));
-  EXPECT_EQ(host->take_paste(), "");
+  pty->type("\x1b[200~hi\tX\xc3\xa9\x1b[201~");
+  auto evs = events();
+  ASSERT_EQ(evs.size(), 1u);
+  EXPECT_EQ(evs[0].code, FSH_PASTE);
+  EXPECT_EQ(host->take_paste(), "hi\tX\xe9");  // the character shown by byte 0xE9 comes as that byte
   EXPECT_EQ(presses("q"), (std::vector<press>{{'q', 0}}));  // typing goes on as before
 }
 
@@ -371,7 +413,7 @@ TEST_F(screen_term_host, paste_with_line_ends_is_one_paste_event) {
   auto evs = events();
   ASSERT_EQ(evs.size(), 1u);
   EXPECT_EQ(evs[0].code, FSH_PASTE);
-  EXPECT_EQ(host->take_paste(), "one\ntwo\nthree\n");  // an arrow inside the paste is no key
+  EXPECT_EQ(host->take_paste(), "one\ntwo\nthree\n\x1b[A");  // an arrow's bytes inside the paste are text
   EXPECT_EQ(host->take_paste(), "");
   // a paste whose end is lost is ended after a quiet second, and typing goes on
   pty->type("\x1b[200~lost\r");
@@ -380,6 +422,16 @@ TEST_F(screen_term_host, paste_with_line_ends_is_one_paste_event) {
   EXPECT_EQ(ev.code, FSH_PASTE);
   EXPECT_EQ(host->take_paste(), "lost\n");
   EXPECT_EQ(presses("k"), (std::vector<press>{{'k', 0}}));
+}
+
+TEST_F(screen_term_host, escape_bytes_inside_a_paste_stay_in_its_text) {
+  ASSERT_TRUE(start()) << why;
+  pty->type("\x1b[200~a\x1b[31mb\x1b\x1bxc\x01\x1b[\x02z\r\x1b[201~");
+  auto evs = events();
+  ASSERT_EQ(evs.size(), 1u);
+  EXPECT_EQ(evs[0].code, FSH_PASTE);
+  EXPECT_EQ(host->take_paste(), "a\x1b[31mb\x1b\x1bxc\x01\x1b[\x02z\n");
+  EXPECT_EQ(presses("k"), (std::vector<press>{{'k', 0}}));  // the paste is over
 }
 
 // --- painting and colours ---

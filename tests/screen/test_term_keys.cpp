@@ -56,6 +56,23 @@ TEST(screen_term_keys, control_sequences) {
   }
 }
 
+TEST(screen_term_keys, sgr_mouse_reports) {
+  term_csi r = term_parse_csi("<0;12;5M");
+  EXPECT_EQ(r.kind, term_csi::mouse);
+  EXPECT_EQ(r.button, 0);
+  EXPECT_EQ(r.x, 12);
+  EXPECT_EQ(r.y, 5);
+  EXPECT_FALSE(r.release);
+  r = term_parse_csi("<20;300;40m");
+  EXPECT_EQ(r.kind, term_csi::mouse);
+  EXPECT_EQ(r.button, 20);
+  EXPECT_EQ(r.x, 300);
+  EXPECT_EQ(r.y, 40);
+  EXPECT_TRUE(r.release);
+  for (const char* bad : {"<0;12M", "<0;1;2;3M", "<0;1;2X", "0;1;2M", "<a;1;2M"})
+    EXPECT_EQ(term_parse_csi(bad).kind, term_csi::none) << bad;
+}
+
 TEST(screen_term_keys, glyphs_and_their_bytes) {
   EXPECT_EQ(term_glyph('A'), U'A');
   EXPECT_EQ(term_glyph(0xe9), U'\u00e9');
