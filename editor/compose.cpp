@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "editor/prefix.h"
 #include "editor/ring.h"
 #include "editor/state.h"
 #include "screen/fs.h"
@@ -125,14 +126,25 @@ struct view_composer {
     return rows;
   }
 
+  // The prefix field: a pending command or an error text in the field's own colour, else the line's number or
+  // point name in its colour, so that what the user types over it can be told from it.
   void prefix_of(xf_row& r, int32_t row, int32_t line, bool current) {
     if (vf.prefix_width == 0) return;
-    bool point = false;
-    std::string t = prefix_text(f, s, line, vf.prefix_width, point);
-    int colour = point ? xf_scr.colour[XA_POINT] : xf_scr.colour[XA_PREFIX];
-    r.prefix_field = c.field(screen_row(row), v.left, 1, vf.prefix_width, FT_TEXT, current ? 2 : 1, colour, 0,
-                             FA_PLAIN | FA_LTR);
-    composer::put(r.prefix_field, t);
+    std::string pending;
+    bool error = false;
+    bool waiting = xf_prefix_display(f, line, pending, error);
+    r.prefix_field = c.field(screen_row(row), v.left, 1, vf.prefix_width, FT_TEXT, current ? 2 : 1,
+                             xf_prefix_own_colour(), error ? 2 : 0, FA_PLAIN | FA_LTR);
+    if (waiting) {
+      pending.resize(static_cast<std::size_t>(vf.prefix_width), ' ');
+      composer::put(r.prefix_field, pending);
+    } else {
+      bool point = false;
+      std::string t = prefix_text(f, s, line, vf.prefix_width, point);
+      composer::put(r.prefix_field, t);
+      std::vector<int> colours(t.size(), point ? xf_scr.colour[XA_POINT] : xf_scr.colour[XA_PREFIX]);
+      asccol(r.prefix_field, static_cast<int>(colours.size()), colours.data());
+    }
     c.field(screen_row(row), v.left + vf.prefix_width, 1, 1, FT_PROTECTED, 1, 1, 0, FA_HAND);
   }
 
@@ -427,6 +439,14 @@ void xf_cursor_to_cmd(int32_t col) {
   xf_scr.cursor_view = std::max(0, xf_ring.view_no);
 }
 
+int xf_prefix_own_colour() {
+  int pending = xf_scr.colour[XA_PENDING], prefix = xf_scr.colour[XA_PREFIX], point = xf_scr.colour[XA_POINT];
+  if (pending != prefix && pending != point) return pending;
+  for (int k = 1; k < 64; ++k)
+    if (k != 8 && k != prefix && k != point) return k;
+  return pending;
+}
+
 void xf_cursor_to_line(int32_t line, int32_t col) {
   xf_scr.cursor_cell_line = 0;
   xf_scr.cursor_on_cmd = false;
@@ -457,7 +477,8 @@ void xf_compose() {
     int32_t row = xf_scr.nb_rows - xf_scr.legend_rows + 1;
     xf_scr.legend_field = c.field(row, 1, 1, xf_scr.nb_cols * xf_scr.legend_rows, FT_PROTECTED, 1,
                                   xf_scr.colour[XA_PFLINE], 0, 0);
-    composer::put(xf_scr.legend_field, xf_scr.legend_text);
+    std::string pending = xf_ring.file ? xf_prefix_legend(*xf_ring.file) : std::string();
+    composer::put(xf_scr.legend_field, pending.empty() ? xf_scr.legend_text : pending);
   }
   int32_t saved_view = xf_ring.view_no;
   for (int32_t vn = 0; vn < static_cast<int32_t>(xf_ring.views.size()); ++vn) {

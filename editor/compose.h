@@ -72,5 +72,7 @@ std::string xf_shadow_text(int32_t n, int32_t w);
 // Asks for the cursor on the command line, or on a line and 0-based column of the current file.
 void xf_cursor_to_cmd(int32_t col = 1);
 void xf_cursor_to_line(int32_t line, int32_t col);
+// The colour of what is typed into a prefix field: PEnding, or another when that equals PRefix or POint.
+int xf_prefix_own_colour();
 // Asks for the cursor at a screen cell (1-based), for places that are no line: a prefix field, a row above the top.
 void xf_cursor_to_cell(int32_t line, int32_t col);

@@ -18,6 +18,7 @@
 #include "editor/mouse.h"
 #include "editor/paste.h"
 #include "editor/power.h"
+#include "editor/prefix.h"
 #include "editor/ring.h"
 #include "editor/startup.h"
 #include "editor/state.h"
@@ -66,14 +67,33 @@ std::string field_text(int32_t id, int32_t ncells, int32_t first, std::string_vi
   return t;
 }
 
+// The typed part of a prefix field: the cells in the field's own colour (asqcol gives 0 for those). The number
+// the editor wrote there has a colour of its own, so typing over two digits of 00012 gives just what was typed.
+std::string prefix_typed(int id, const xf_view_fields& vf) {
+  int width = std::max(vf.prefix_width, 1);
+  std::vector<uint16_t> cells(static_cast<std::size_t>(width), FS_NULL_CELL);
+  std::vector<int> colours(static_cast<std::size_t>(width), 0);
+  ascget_short(id, width, cells.data());
+  asqcol(id, width, colours.data());
+  std::string t;
+  for (int i = 0; i < width; ++i)
+    if (colours[static_cast<std::size_t>(i)] == 0 && cells[static_cast<std::size_t>(i)] != FS_NULL_CELL)
+      t += static_cast<char>(cells[static_cast<std::size_t>(i)] & 0xff);
+  return t;
+}
+
 // Takes the typed rows of the current view into its file.
 void take_view(const xf_view_fields& vf, const std::vector<bool>& mod) {
   xf_file& f = *xf_ring.file;
   bool tof_typed = false;
   std::string tof_text;
-  bool prefix_typed = false;
+  struct typed_prefix {
+    int32_t line, row;
+    std::string text;
+  };
+  std::vector<typed_prefix> prefixes;
   auto take_row = [&](const xf_row& r) {
-    if (is_mod(mod, r.prefix_field)) prefix_typed = true;
+    if (is_mod(mod, r.prefix_field)) prefixes.push_back({r.line, r.view_row, prefix_typed(r.prefix_field, vf)});
     if (r.shadow || !is_mod(mod, r.data_field)) return;
     if (r.line < 0) {
       tof_typed = true;
@@ -86,11 +106,9 @@ void take_view(const xf_view_fields& vf, const std::vector<bool>& mod) {
   };
   for (auto it = vf.upper.rbegin(); it != vf.upper.rend(); ++it) take_row(*it);
   for (const xf_row& r : vf.lower) take_row(r);
-  if (prefix_typed) {
-    // The prefix area shows and keeps the lines' numbers; its commands are a later piece of work.
-    xf_msg_text("..... Prefix commands are not available yet", XF_MSG_ERROR);
-    rc = 1;
-  }
+  // Prefix fields are read in screen order once the text of every line is in; the prefix run acts on them.
+  if (xf_ring.view->per_file[xf_ring.file_no].prefix)
+    for (const typed_prefix& p : prefixes) xf_prefix_read(xf_ring.view_no, p.line, p.text, p.row);
   // Rows below the end: the lines between the end and the typed row are made empty.
   for (const auto& [id, target] : vf.below) {
     if (!is_mod(mod, id)) continue;
@@ -404,6 +422,7 @@ void xfread(std::string_view work_dir) {
         continue;
       default:
         xfack(1);
+        xf_prefix_run();
         apply_note();
         return;
     }

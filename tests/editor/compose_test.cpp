@@ -260,16 +260,43 @@ TEST_F(compose_test, a_line_and_a_row_below_the_end_typed_in_one_read) {
   EXPECT_EQ(lines_of(*xf_ring.file), (std::vector<std::string>{"keep Xe", "typed"}));
 }
 
-TEST_F(compose_test, typing_in_the_prefix_area_says_that_prefix_commands_are_not_there) {
+TEST_F(compose_test, prefix_commands_typed_over_the_numbers_wait_for_their_partner_and_then_run) {
   start();
-  file_with({"one", "two"}, "/tmp/t6.txt");
+  file_with({"one", "two", "three"}, "/tmp/t6.txt");
   xf_compose();
-  asfcur(0, 9, 1);
+  asfcur(0, 9, 1);  // the prefix field of line 1
   host->type("dd");
   host->key(13);
   turn(false);
-  EXPECT_EQ(lines_of(*xf_ring.file), (std::vector<std::string>{"one", "two"}));
-  EXPECT_EQ(xf_ring.views[0]->message_text.substr(0, 43), "..... Prefix commands are not available yet");
+  EXPECT_EQ(lines_of(*xf_ring.file), (std::vector<std::string>{"one", "two", "three"})) << "DD alone waits";
+  std::string p = picture();
+  EXPECT_NE(p.find("\nDD    one\n"), std::string::npos) << p;
+  EXPECT_NE(p.find(" Pending: DD:1"), std::string::npos) << "the legend lists what waits";
+  asfcur(0, 10, 3);  // over the middle of line 2's number
+  host->type("dd");
+  host->key(13);
+  turn(false);
+  EXPECT_EQ(lines_of(*xf_ring.file), (std::vector<std::string>{"three"}));
+  p = picture();
+  EXPECT_NE(p.find("\n00001 three\n"), std::string::npos) << p;
+  EXPECT_EQ(p.find("Pending"), std::string::npos);
+}
+
+TEST_F(compose_test, a_prefix_text_that_means_nothing_stays_highlighted_until_blanked) {
+  start();
+  file_with({"one", "two"}, "/tmp/t7.txt");
+  xf_compose();
+  asfcur(0, 9, 1);
+  host->type("zz");
+  host->key(13);
+  turn(false);
+  std::string p = picture();
+  EXPECT_NE(p.find("\nzz    one\n"), std::string::npos) << p;
+  EXPECT_EQ(host->hlt_row(9).substr(0, 1), "2") << "the error text is shown in reverse";
+  asfcur(0, 9, 1);
+  host->type("     ");
+  host->key(13);
+  turn(false);
   EXPECT_NE(picture().find("\n00001 one\n"), std::string::npos);
 }
 
