@@ -158,3 +158,7 @@ int xfcm_tabexp(const xf_cmd_call& c);
 int xfcm_hextype(const xf_cmd_call& c);
 int xfcm_preserve(const xf_cmd_call& c);
 int xfcm_restore(const xf_cmd_call& c);
+int xfcm_screen(const xf_cmd_call& c);
+int xfcm_c_scrh(const xf_cmd_call& c);
+int xfcm_c_scrv(const xf_cmd_call& c);
+int xfcm_c_scrj(const xf_cmd_call& c);

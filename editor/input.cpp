@@ -20,6 +20,7 @@
 #include "editor/power.h"
 #include "editor/prefix.h"
 #include "editor/ring.h"
+#include "editor/screens.h"
 #include "editor/startup.h"
 #include "editor/state.h"
 #include "screen/as_read.h"
@@ -246,9 +247,9 @@ void relayout() {
   int rows = std::min(3000, geo[2]), cols = std::min(1000, geo[3]);
   xf_run.too_small = rows < 6 || cols < 38 ? 1 : 0;
   if (xf_run.too_small || xf_ring.views.empty()) return;
-  xf_view& v = *xf_ring.views[0];
-  v.height = rows - xf_scr.legend_rows;
-  v.width = cols;
+  xf_scr.nb_rows = rows;
+  xf_scr.nb_cols = cols;
+  xf_relayout();
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "editor/pdffind.h"
 #include "editor/prefix.h"
 #include "editor/regex.h"
+#include "editor/screens.h"
 #include "editor/linecmds.h"
 #include "editor/ring.h"
 #include "editor/target.h"
@@ -33,5 +34,6 @@ void xf_state_reset() {
   xf_prefix_reset();
   xf_wordchars_reset();
   xf_small_reset();
+  xf_screens_reset();
   xf_msgs = xf_msg_state{};
 }
