@@ -5,6 +5,7 @@
 
 #include "editor/command.h"
 #include "editor/handlers.h"
+#include "editor/keys.h"
 #include "editor/macros.h"
 #include "editor/messages.h"
 #include "editor/operands.h"
@@ -296,18 +297,19 @@ int xfcm_history(const xf_cmd_call& c) {
 
 int xfcm_set(const xf_cmd_call& c) {
   std::string_view ops = xf_trim(xf_operands(c.text));
-  if (ops.empty()) return xf_bad_operands();
+  if (ops.empty() || ops == "?") {  // the settings screen: nothing in batch
+    if (xf_run.batch) return 1;
+    xf_msg(164, XF_MSG_ERROR);
+    rc = 1;
+    return 1;
+  }
   if (ops[0] == '=') {  // SET = text: into the history without running it
     xf_history_add(xf_trim(ops.substr(1)));
     return 1;
   }
   int32_t matched = 0;
   int32_t row = xf_set_lookup(ops, &matched);
-  if (row < 0) {
-    xf_msgf(XF_MSG_ERROR, "..... Invalid command \"%s\"", std::string(ops).c_str());
-    rc = -1;
-    return 1;
-  }
+  if (row < 0) return xf_key_set(ops);  // a key name: SET F1 ..., SET ^x ..., SET HOME F5 ...
   std::string name = xf_lower(ops.substr(0, matched));
   // SET MACRO switches the macro search; the names without a handler are accepted and do nothing.
   if (name == "macro" || xf_abbrev_word(name, "macro", 5)) {
@@ -318,10 +320,8 @@ int xfcm_set(const xf_cmd_call& c) {
   }
   int32_t cmd = xf_cmd_lookup(name);
   if (cmd < 0 || !xf_cmd_entries()[cmd].is_setting) {
-    if (!xf_set.mode_notimp) {
-      xf_msgf(XF_MSG_ERROR, "..... Invalid command \"%s\"", std::string(ops).c_str());
-      rc = -1;
-    }
+    // The names kept for other editors' macros: accepted under MODE NOTIMP ON, else taken as a key name.
+    if (!xf_set.mode_notimp) return xf_key_set(ops);
     return 1;
   }
   xfcom2(std::string(ops), c.work_dir);
