@@ -171,3 +171,7 @@ int xfcm_rightadjust(const xf_cmd_call& c);
 int xfcm_sort(const xf_cmd_call& c);
 int xfcm_nsort(const xf_cmd_call& c);
 int xfcm_sortring(const xf_cmd_call& c);
+int xfcm_xshell(const xf_cmd_call& c);
+int xfcm_xshellmax(const xf_cmd_call& c);
+int xfcm_shellext(const xf_cmd_call& c);
+int xfcm_messagesdir(const xf_cmd_call& c);

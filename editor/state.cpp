@@ -11,6 +11,7 @@
 #include "editor/prefix.h"
 #include "editor/regex.h"
 #include "editor/screens.h"
+#include "editor/session.h"
 #include "editor/linecmds.h"
 #include "editor/ring.h"
 #include "editor/target.h"
@@ -35,5 +36,6 @@ void xf_state_reset() {
   xf_wordchars_reset();
   xf_small_reset();
   xf_screens_reset();
+  xf_session_reset();
   xf_msgs = xf_msg_state{};
 }

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -100,3 +101,102 @@ int os_set_env(std::string_view name, std::string_view value) {
 }
 
 int os_unset_env(std::string_view name) { return ::unsetenv(std::string(name).c_str()) == 0 ? 0 : errno; }
+
+os_child::~os_child() {
+  if (in_ >= 0) ::close(in_);
+  if (out_ >= 0) ::close(out_);
+  if (pid_ > 0) {
+    ::kill(pid_, SIGKILL);
+    wait_for(pid_);
+  }
+}
+
+int os_child::start(std::string_view text, bool with_input) {
+  int out[2], in[2] = {-1, -1};
+  if (::pipe2(out, O_CLOEXEC) != 0) return errno;
+  if (with_input && ::pipe2(in, O_CLOEXEC) != 0) {
+    int e = errno;
+    ::close(out[0]);
+    ::close(out[1]);
+    return e;
+  }
+  posix_spawn_file_actions_t acts;
+  ::posix_spawn_file_actions_init(&acts);
+  ::posix_spawn_file_actions_adddup2(&acts, out[1], 1);
+  ::posix_spawn_file_actions_adddup2(&acts, out[1], 2);
+  if (with_input) ::posix_spawn_file_actions_adddup2(&acts, in[0], 0);
+  std::string cmd(text);
+  char sh[] = "/bin/sh", dash_c[] = "-c";
+  char* args[] = {sh, dash_c, cmd.data(), nullptr};
+  spawn_attrs attrs;
+  pid_t pid = 0;
+  int rc = ::posix_spawn(&pid, sh, &acts, attrs.get(), args, environ);
+  ::posix_spawn_file_actions_destroy(&acts);
+  ::close(out[1]);
+  if (with_input) ::close(in[0]);
+  if (rc != 0) {
+    ::close(out[0]);
+    if (with_input) ::close(in[1]);
+    return rc;
+  }
+  pid_ = pid;
+  out_ = out[0];
+  in_ = in[1];
+  return 0;
+}
+
+int os_child::write_input(std::string_view bytes) {
+  if (in_ < 0) return EBADF;
+  // A child that stops reading must not end the editor through SIGPIPE.
+  struct sigaction ignore = {}, old = {};
+  ignore.sa_handler = SIG_IGN;
+  ::sigaction(SIGPIPE, &ignore, &old);
+  int result = 0;
+  while (!bytes.empty()) {
+    ssize_t n = ::write(in_, bytes.data(), bytes.size());
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) {
+      result = errno;
+      break;
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(n));
+  }
+  ::sigaction(SIGPIPE, &old, nullptr);
+  return result;
+}
+
+void os_child::close_input() {
+  if (in_ >= 0) ::close(in_);
+  in_ = -1;
+}
+
+long os_child::read_some(std::string& out, int timeout_ms) {
+  if (out_ < 0) return 0;
+  struct pollfd p = {out_, POLLIN, 0};
+  int r = ::poll(&p, 1, timeout_ms);
+  if (r == 0) return -1;
+  if (r < 0) return errno == EINTR ? -1 : 0;
+  char buf[4096];
+  ssize_t n;
+  do {
+    n = ::read(out_, buf, sizeof buf);
+  } while (n < 0 && errno == EINTR);
+  if (n <= 0) {
+    ::close(out_);
+    out_ = -1;
+    return 0;
+  }
+  out.append(buf, static_cast<std::size_t>(n));
+  return n;
+}
+
+void os_child::kill() {
+  if (pid_ > 0) ::kill(pid_, SIGKILL);
+}
+
+int os_child::wait() {
+  if (pid_ <= 0) return -ECHILD;
+  int status = wait_for(pid_);
+  pid_ = -1;
+  return status;
+}

@@ -686,3 +686,5 @@ void asfalttab(int ch, int on) {
   g_as.alt_table[static_cast<size_t>(ch)] = on != 0;
   fs_ok();
 }
+
+bool asqbreak() { return g_fs.host && g_fs.host->take_interrupt(); }

@@ -43,6 +43,9 @@ int asqshift2();
 int asqalt();
 void asqkeytime(uint32_t& seconds, uint32_t& microseconds);  // time of the last event that ended a read
 void aspush(int ch);     // a character as if typed (origin 31743)
+// While the editor is busy (a running process, a macro): whether Ctrl+C was typed; it is taken out of the input,
+// other typing stays for the next read.
+bool asqbreak();
 void aspushkey(int code);
 
 // In-field operations, also for the editor and macros; nmod is the count of modified fields, in and out.

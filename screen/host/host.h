@@ -83,4 +83,7 @@ class fs_host {
   virtual void show(bool visible) = 0;
   // The text of the last FSH_PASTE event, lines ended by LF; empty once taken, and on hosts that have no paste.
   virtual std::string take_paste() { return {}; }
+  // Takes pending input in without waiting and tells whether it held Ctrl+C, which is taken out; other input
+  // stays for the next read. Hosts that cannot look ahead say no.
+  virtual bool take_interrupt() { return false; }
 };

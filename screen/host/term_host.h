@@ -42,6 +42,7 @@ class term_host final : public fs_host {
   void show(bool visible) override;
   // A bracketed paste arrives as one FSH_PASTE event with this text (CR LF and lone CR made LF).
   std::string take_paste() override;
+  bool take_interrupt() override { return drain(); }
 
   // Puts what was painted on the terminal now (a wait does it before it sleeps).
   void flush();

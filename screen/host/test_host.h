@@ -22,6 +22,7 @@ class test_host : public fs_host {
   void move(int line, int col);
   void wheel(bool up, int line, int col, uint16_t mods = 0);  // one turn of the wheel over a cell
   void paste(std::string_view text);     // a paste of the display (FSH_PASTE), its text for take_paste
+  void interrupt() { interrupts_++; }    // a Ctrl+C that take_interrupt finds while the editor is busy
   void quiet(int n = 1);                 // n waits that end with no event (the timeout of a timed wait)
   void resize(int lines, int cols);      // the display changes size
   void advance(uint32_t microseconds);   // moves the script clock on
@@ -54,6 +55,11 @@ class test_host : public fs_host {
   int popup(std::span<const std::string> labels, int line, int col) override;
   void show(bool on) override { visible = on; }
   std::string take_paste() override;
+  bool take_interrupt() override {
+    if (interrupts_ == 0) return false;
+    --interrupts_;
+    return true;
+  }
 
  private:
   struct step {
@@ -64,6 +70,7 @@ class test_host : public fs_host {
   void push_event(fs_event ev);
   fs_event mouse_event(int code, int line, int col, uint16_t mods, bool up) const;
   int lines_, cols_;
+  int interrupts_ = 0;
   uint64_t clock_us_ = 1'000'000;
   std::deque<step> script_;
   std::deque<int> popup_answers_;

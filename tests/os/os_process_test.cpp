@@ -122,3 +122,37 @@ TEST(OsTime, LocalTimeBreakdown) {
 }
 
 }  // namespace
+
+TEST(OsChild, OutputComesInPiecesUntilTheEndAndTheStatus) {
+  os_child c;
+  ASSERT_EQ(c.start("printf 'one\\n'; echo err >&2; exit 3"), 0);
+  std::string out;
+  while (c.read_some(out, 2000) != 0) {
+  }
+  EXPECT_EQ(out, "one\nerr\n") << "standard error shares the pipe";
+  EXPECT_EQ(c.wait(), 3);
+}
+
+TEST(OsChild, InputPipeAndATimeoutWhileTheChildIsQuiet) {
+  os_child c;
+  ASSERT_EQ(c.start("read line; echo \"got $line\"", true), 0);
+  std::string out;
+  EXPECT_EQ(c.read_some(out, 50), -1) << "nothing comes while the child waits for input";
+  EXPECT_EQ(c.write_input("abc\n"), 0);
+  c.close_input();
+  while (c.read_some(out, 2000) != 0) {
+  }
+  EXPECT_EQ(out, "got abc\n");
+  EXPECT_EQ(c.wait(), 0);
+}
+
+TEST(OsChild, KillStopsALongChildAndAClosedReaderGivesEpipe) {
+  os_child c;
+  ASSERT_EQ(c.start("sleep 30"), 0);
+  c.kill();
+  EXPECT_EQ(c.wait(), 128 + 9);
+  os_child d;
+  ASSERT_EQ(d.start("exec 0<&-; sleep 1", true), 0);
+  std::string big(1 << 20, 'x');
+  EXPECT_NE(d.write_input(big), 0) << "writing to a child that closed its input fails, without a signal";
+}
