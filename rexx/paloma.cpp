@@ -110,6 +110,10 @@ paloma_outcome paloma_run(const paloma_program& p, const std::vector<std::string
   rx_proc main;
   main.pool = run.main_pool.get();
   for (const std::string& a : args) main.args.push_back(rx_arg{a, false});
+  // The command string: the program's name and its argument string; a list of several arguments is joined.
+  run.command = p.prog.name;
+  for (const std::string& a : args) run.command.append(" ").append(a);
+  run.command_words = args.size() <= 1;
   run.proc = &main;
   try {
     rx_execute(run);

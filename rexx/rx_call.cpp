@@ -61,6 +61,11 @@ class call_frame {
     self_.pool = caller_.pool;
     self_.args = std::move(args);
     self_.trace = caller_.trace;
+    // The condition that the caller is handling stays visible (CONDITION()) in what it calls; the callee's own
+    // changes end with it.
+    self_.pending_cond = caller_.pending_cond;
+    self_.cond_desc = caller_.cond_desc;
+    self_.cond_how = caller_.cond_how;
     self_.caller = &caller_;
     saved_prog_ = r_.cur_prog;
     saved_source_ = r_.cur_source;
@@ -229,6 +234,7 @@ rx_label_hit add_file(const std::string& path, std::string text, const rx_node* 
   const rx_label* label = prog->labels.find(name_node->value);
   const_cast<rx_label*>(label)->cell.next = prog->head;
   R().added.push_back(std::move(prog));
+  R().label_gen = 0;  // new labels: call sites look again
   return rx_label_hit{label, R().added.back().get()};
 }
 
@@ -293,9 +299,19 @@ call_result call_external(const rx_node* name_node, const rx_node* args, rx_valu
   return call_result{true, run_internal(hit, eval_args(args), out)};
 }
 
+// The run's label generation: names the set of labels that a call site saw none answer its name.
+uint64_t label_generation() {
+  static uint64_t last = 0;
+  rx_run& r = R();
+  if (r.label_gen == 0) r.label_gen = ++last;
+  return r.label_gen;
+}
+
 call_result search_and_call(const rx_node* name, const rx_node* args, rx_value& out) {
-  if (label_search(name)) {
+  // A built-in's call site remembers that no label answered it, so that the label table is searched once.
+  if (label_search(name) && name->call_nolabel_gen != label_generation()) {
     rx_label_hit hit = rx_find_label(name->value);
+    if (!hit.label) name->call_nolabel_gen = label_generation();
     if (hit.label) {
       if (hit.label->cell.stmt->block)
         rx_raise(54, name, "The label \"" + name->value + "\" is nested within a control structure.");

@@ -47,28 +47,37 @@ void set_sigl(int32_t line) { rx_assign_name(rx_ctx(), rx_special("SIGL"), rx_va
 
 // CALL ON: the handler runs through the routine search with no arguments; the condition does not fire again
 // while it runs.
-void call_handler(int cond, int32_t line) {
+// The condition information of the handler's call: the routine's own comes back when the handler returns.
+void call_handler(int cond, int32_t line, const std::string& description) {
   rx_proc& p = P();
   p.cond[static_cast<std::size_t>(cond)] = -2;
-  p.pending_cond = cond;
-  p.cond_how = 2;
   struct back_on {
     rx_proc& p;
     int cond;
+    int pending, how;
+    std::string desc;
     ~back_on() {
       if (p.cond[static_cast<std::size_t>(cond)] == -2) p.cond[static_cast<std::size_t>(cond)] = 2;
+      p.pending_cond = pending;
+      p.cond_how = how;
+      p.cond_desc = std::move(desc);
     }
-  } restore{p, cond};
+  } restore{p, cond, p.pending_cond, p.cond_how, p.cond_desc};
+  p.pending_cond = cond;
+  p.cond_how = 2;
+  p.cond_desc = description;
   rx_call_by_name(handler_name(cond), line);
 }
 
 void fire(int cond, const std::string& description) {
   rx_proc& p = P();
-  p.cond_desc = description;
   int32_t line = sigl_line();
   set_sigl(line);
-  if (p.cond[static_cast<std::size_t>(cond)] == 1) signal_to_handler(cond);
-  call_handler(cond, line);
+  if (p.cond[static_cast<std::size_t>(cond)] == 1) {
+    p.cond_desc = description;
+    signal_to_handler(cond);
+  }
+  call_handler(cond, line, description);
 }
 
 }  // namespace
@@ -105,9 +114,9 @@ void rx_novalue(const std::string& name) {
   if (digits) return;
   int32_t line = sigl_line();
   std::string message = "\npalom: variable \"" + name + "\" (line " + std::to_string(line + 1) + ") is uninitialized.\n\n";
-  p.cond_desc = name;
   set_sigl(line);
   if (state == 1) {
+    p.cond_desc = name;
     if (!rx_find_label(handler_name(RX_C_NOVALUE)).label) {
       p.cond[RX_C_NOVALUE] = 0;
       rx_raise(71, nullptr, message);
@@ -116,7 +125,7 @@ void rx_novalue(const std::string& name) {
     signal_to_handler(RX_C_NOVALUE);
   }
   rx_output(message);
-  call_handler(RX_C_NOVALUE, line);
+  call_handler(RX_C_NOVALUE, line, name);
 }
 
 bool rx_syntax_trap(int number) {

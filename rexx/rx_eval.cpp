@@ -1,6 +1,7 @@
 // Expression evaluation: leaves, operators with their errors, comparisons, slices and function calls.
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -12,6 +13,14 @@ namespace {
 constexpr double pos_inf = std::numeric_limits<double>::infinity();
 
 const rx_numeric& num() { return rx_st.run->proc->numeric; }
+
+// The stack check of every operator node, with the common case (well within the budget) inline.
+inline void check_stack() {
+  char here = 0;
+  const rx_run* r = rx_st.run;
+  auto used = reinterpret_cast<std::uintptr_t>(r->stack_base) - reinterpret_cast<std::uintptr_t>(&here);
+  if (!r->stack_base || static_cast<std::ptrdiff_t>(used) > rx_stack_budget + r->stack_extra) rx_check_stack();
+}
 
 // The value of a string constant, built once.
 const rx_value& constant(const rx_node* n) {
@@ -173,6 +182,10 @@ int normal_compare(const rx_value& a, const rx_value& b, bool ic, const rx_node*
   std::string ba, bb;
   std::string_view s = strip_blanks(rx_text_of(a, ba, at));
   std::string_view t = strip_blanks(rx_text_of(b, bb, at));
+  if (!ic && s.size() == t.size()) {  // no padding: a plain byte compare
+    int c = std::memcmp(s.data(), t.data(), s.size());
+    return c < 0 ? -1 : c > 0 ? 1 : 0;
+  }
   std::size_t n = std::max(s.size(), t.size());
   for (std::size_t i = 0; i < n; ++i) {
     unsigned char c1 = fold(i < s.size() ? static_cast<unsigned char>(s[i]) : ' ', ic);
@@ -378,9 +391,64 @@ const rx_value& call(const rx_node* n, rx_value& tmp) {
   return tmp;
 }
 
+bool is_concatenation(const rx_node* n) {
+  return n->type == RX_EXPR && n->expr->arity == 2 &&
+         (n->expr->op == rx_op::fx_conc || n->expr->op == rx_op::fx_bl);
+}
+
+// One step of a chain of concatenations after an operand turned TRACE I on (the TRACE function): the operators
+// from there on are traced as they would be one by one.
+[[gnu::noinline]] void append_traced(std::string& out, std::string_view add, const rx_node* op) {
+  std::string before = out;
+  if (op->expr->op == rx_op::fx_bl) out += ' ';
+  out.append(add);
+  rx_trace_detail(">O> \"" + before + "\" " + rx_trace_op(op->expr->op) + " \"" + std::string(add) + "\" --> \"" + out +
+                  "\"");
+}
+
+// A chain of || and blank concatenations, a || b c || d, evaluated from the left into one string: each operand is
+// taken in turn, as the tree would take it, and appended, with no temporary string per operator.
+const rx_value& concatenation(const rx_node* n, rx_value& tmp) {
+  constexpr int max_chain = 64;
+  const rx_node* chain[max_chain];
+  int k = 0;
+  const rx_node* left = n;
+  while (k < max_chain && is_concatenation(left)) {
+    chain[k++] = left;
+    left = left->expr->operand[0].node;
+  }
+  rx_value t;
+  std::string buf;
+  std::string out;
+  {
+    const rx_value& first = rx_eval(left, t);
+    out = rx_text_of(first, buf, chain[k - 1]);
+  }
+  for (int j = k - 1; j >= 0; --j) {
+    const rx_node* op = chain[j];
+    rx_value tr;
+    const rx_value& right = rx_eval(op->expr->operand[1].node, tr);
+    std::string_view add = rx_text_of(right, buf, op);
+    std::size_t need = out.size() + add.size() + 1;
+    rx_check_length(need, op);
+    if (need > out.capacity()) out.reserve(std::max<std::size_t>(need * 2, 64));
+    if (tracing_i()) {
+      append_traced(out, add, op);
+      continue;
+    }
+    if (op->expr->op == rx_op::fx_bl) out += ' ';
+    out.append(add);
+  }
+  tmp.kind = RX_STR;
+  tmp.text = std::move(out);
+  tmp.numchk = 0;
+  return tmp;
+}
+
 }  // namespace
 
 std::string_view rx_text_of(const rx_value& v, std::string& buf, const rx_node* at) {
+  if (v.kind == RX_STR) return v.text;
   std::string_view out;
   if (!rx_text(v, num(), buf, &out)) rx_raise(42, at);
   return out;
@@ -404,7 +472,10 @@ bool rx_whole(const rx_value& v, int digits, double* out) {
   return true;
 }
 
-const rx_value& rx_eval(const rx_node* n, rx_value& tmp) {
+namespace {
+
+// Any node: the leaves that rx_eval does not take itself, and the operators.
+const rx_value& eval_node(const rx_node* n, rx_value& tmp) {
   switch (n->type) {
     case SYMBOL: {
       const rx_value& v = symbol_value(n, tmp);
@@ -419,7 +490,7 @@ const rx_value& rx_eval(const rx_node* n, rx_value& tmp) {
       tmp.set_text("");
       return tmp;
   }
-  rx_check_stack();
+  check_stack();
   const rx_fx* fx = n->expr;
   switch (fx->arity) {
     case 1: {
@@ -437,6 +508,7 @@ const rx_value& rx_eval(const rx_node* n, rx_value& tmp) {
       return tmp;
     }
     case 2: {
+      if ((fx->op == rx_op::fx_conc || fx->op == rx_op::fx_bl) && !tracing_i()) return concatenation(n, tmp);
       rx_value t0, t1;
       const rx_value& a = rx_eval(fx->operand[0].node, t0);
       static const rx_value one = rx_value::number(1, -1);
@@ -458,7 +530,9 @@ const rx_value& rx_eval(const rx_node* n, rx_value& tmp) {
         // A chain of concatenations grows its left temporary instead of copying it at every step.
         std::string buf;
         std::string_view add = rx_text_of(*b, buf, n);
-        rx_check_length(t0.text.size() + add.size() + 1, n);
+        std::size_t need = t0.text.size() + add.size() + 1;
+        rx_check_length(need, n);
+        if (need > t0.text.capacity()) t0.text.reserve(std::max<std::size_t>(need * 2, 64));  // one growth, not several
         if (fx->op == rx_op::fx_bl) t0.text += ' ';
         t0.text.append(add);
         t0.numchk = 0;
@@ -474,6 +548,20 @@ const rx_value& rx_eval(const rx_node* n, rx_value& tmp) {
     default:
       return subscript(n, tmp);
   }
+}
+
+}  // namespace
+
+const rx_value& rx_eval(const rx_node* n, rx_value& tmp) {
+  // The common leaves first, without the frame of an operator's evaluation: a constant already made, and a
+  // variable whose slot in this pool the token remembers (not an environment symbol, not under TRACE I).
+  if (n->type == STRING && n->cval_ready) return n->cval;
+  if (n->type == SYMBOL && n->parts.empty()) {
+    const rx_proc& p = *rx_st.run->proc;
+    if (n->slot_pool == p.pool->id && n->slot->state == 1 && n->value[0] != '$' && !(p.trace & 0x04))
+      return n->slot->value;
+  }
+  return eval_node(n, tmp);
 }
 
 rx_value rx_eval_owned(const rx_node* n) {

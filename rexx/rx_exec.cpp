@@ -32,9 +32,13 @@ std::string eval_text(const rx_node* n) {
 // The number of a single unquoted constant, as an assignment or SAY takes it.
 bool constant_number(const rx_node* e, rx_value& out) {
   if (!e || e->type != STRING || e->quoted != 0) return false;
+  if (!e->cval_ready) {  // the constant's value, which keeps whether it is a number after the first look
+    e->cval.set_text(e->value);
+    e->cval_ready = true;
+  }
   double d;
   int32_t dec;
-  if (!rx_is_number(e->value, &d, &dec)) return false;
+  if (!rx_as_number(e->cval, &d, &dec)) return false;
   out.set_number(d, dec);
   return true;
 }
@@ -95,15 +99,16 @@ bool append_in_place(const rx_stmt& s) {
 void exec_assign(const rx_stmt& s) {
   if (s.index1) return rx_assign_slice(s);
   if (!s.target->value.empty() && s.target->value[0] == '.') rx_raise(31, s.target);
-  bool env = rx_env_symbol(*s.target);
+  bool env = s.target->value[0] == '$' && rx_env_symbol(*s.target);
   rx_value v;
   if (!s.expr) {
     v.set_text("");
   } else if (!constant_number(s.expr, v)) {
     if (!env && !(P().trace & 0x24) && append_in_place(s)) return;
-    v = rx_eval_owned(s.expr);
+    const rx_value& r = rx_eval(s.expr, v);  // into v, or a variable's or constant's value to copy
+    if (&r != &v) v = r;
   }
-  if (rx_tracing(0x04 | 0x20)) {
+  if ((P().trace & 0x24) && rx_tracing(0x04 | 0x20)) {
     std::string name = rx_default_text(rx_ctx(), *s.target);
     rx_trace_detail(">>> " + name + " <-- \"" + text(v, s.expr) + "\"");
   }
@@ -227,8 +232,13 @@ void do_controlled(const rx_stmt& s) {
     }
   }
   rx_value first;
-  std::string init_text = rx_printf_number("%30.15g", init);
-  if (!rx_is_number(init_text, &first.num, &first.decimals)) first.decimals = 0;
+  if (rx_is_whole(init) && std::fabs(init) < 1e15) {  // %30.15g shows such a number with all its digits
+    first.num = init;
+    first.decimals = 0;
+  } else {
+    std::string init_text = rx_printf_number("%30.15g", init);
+    if (!rx_is_number(init_text, &first.num, &first.decimals)) first.decimals = 0;
+  }
   first.kind = RX_NUM;
   rx_var_ctx c = rx_ctx();
   rx_var* slot = rx_assign(c, *var, first);
@@ -491,6 +501,7 @@ void exec_names(const rx_stmt& s) {
       if (!up && ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch + 32);
     }
     v->value.numchk = 0;
+    ++v->changes;  // compound names that use it as a tail are derived again
   });
 }
 

@@ -76,6 +76,7 @@ struct rx_run {
   const rx_program* cur_prog = nullptr;     // the program (main or added file) of the running routine
   const rx_program* err_prog = nullptr;     // the program where the last error was raised
   std::vector<std::unique_ptr<rx_program>> added;           // external routine files added to the run
+  uint64_t label_gen = 0;  // names the run's set of labels (0: not yet given); new for each run and added file
   bool interactive = false;                 // a line typed in interactive trace is running
   int trace_skip = 0, trace_count = 0;      // interactive trace: clauses to run without pausing, and run since
   int trace_quiet = 0;                      // clauses whose trace output is suppressed (TRACE -n)
@@ -85,6 +86,8 @@ struct rx_run {
   bool has_result = false;
   std::string result;
   std::string source_desc;  // PARSE SOURCE
+  std::string command;        // the program's command string: its name, then the argument string, if any
+  bool command_words = true;  // the arguments came as that string (not as a list of their own)
   const char* stack_base = nullptr;
   std::ptrdiff_t stack_extra = 0;  // stack granted beyond the budget to a SYNTAX handler of a too-deep nesting
   std::string_view cur_source;  // text of the running program or INTERPRET string (for reports)
@@ -151,6 +154,11 @@ bool rx_tracing(int bits);
 void rx_trace_detail(std::string_view prefix_and_text);
 void rx_trace_after_command(const rx_stmt& s, const std::string& command, int32_t result, bool shown_before);
 bool rx_trace_pause(const rx_cell* c);
+// The TRACE setting of the running routine as letters ("E", "?R", "O"), as the TRACE function gives it.
+std::string rx_trace_letters();
+// Change the setting as TRACE VALUE does, for the TRACE function; false (nothing changed) when the value holds a
+// character that is no setting.
+bool rx_trace_set(std::string_view value);
 // An operator's spelling in detail lines ("" for one that has none).
 const char* rx_trace_op(rx_op op);
 
@@ -196,3 +204,7 @@ void rx_queue_clear();
 // The queue commands MAKEBUF, DROPBUF [n], DESBUF and SENTRIES: true with their RC when `word` (lower case) is
 // one of them; `rest` is the text behind the word.
 bool rx_queue_command(std::string_view word, std::string_view rest, int32_t* rc);
+// GLOBALV, offered by the function library when it is linked: called as rx_queue_command is, for a command to
+// the default environment, before the system runs it.
+using rx_command_hook = bool (*)(std::string_view word, std::string_view rest, int32_t* rc);
+inline rx_command_hook rx_globalv_hook = nullptr;

@@ -33,6 +33,7 @@ int32_t process_env(std::string_view command, void* user) {
   std::size_t at = command.find_first_not_of(' ');
   std::string_view rest = at == std::string_view::npos ? std::string_view() : command.substr(at + word.size());
   if (rx_queue_command(word, rest, &queue_rc)) return queue_rc;
+  if (rx_globalv_hook && rx_globalv_hook(word, rest, &queue_rc)) return queue_rc;
   for (const char* name : library_commands)
     if (word == name && !(word == "globalv" && rx_st.sw.globalv == 1))
       throw rx_unavailable{"the " + word + " command"};

@@ -21,7 +21,12 @@ bool rx_read_line(std::string& line) {
   line.clear();
   int c;
   bool any = false;
-  while ((c = std::getchar()) != EOF) {
+  // One lock for the line, not one per byte.
+  flockfile(stdin);
+  struct unlock {
+    ~unlock() { funlockfile(stdin); }
+  } at_end;
+  while ((c = getc_unlocked(stdin)) != EOF) {
     any = true;
     if (c == '\n') return true;
     line.push_back(static_cast<char>(c));

@@ -93,8 +93,9 @@ void elements(const rx_node* chain, std::vector<elem>& out) {
 }
 
 struct parse_state {
-  std::string str;
+  std::string_view str;
   long long cursor = 0, last = 0, end = 0;
+  std::string pattern;  // the text of a variable pattern, "(name)", while it is used
   long long len() const { return static_cast<long long>(str.size()); }
 };
 
@@ -108,14 +109,15 @@ std::string var_text(const rx_node* var) {
 }
 
 // The number of a position element, read when it is reached; a variable must hold a whole number >= 0.
-long long position(const elem& e) {
-  if (!e.var) return e.n;
+long long variable_position(const elem& e) {
   rx_value t;
   const rx_value& v = rx_eval(e.var, t);
   double d;
   if (!rx_whole(v, rx_st.run->proc->numeric.digits, &d) || d < 0) rx_raise(26, e.var);
   return d > 1e12 ? 1000000000000LL : static_cast<long long>(d);
 }
+
+inline long long position(const elem& e) { return e.var ? variable_position(e) : e.n; }
 
 // A pattern's text: a literal is read in place; a variable pattern is evaluated into `buf`.
 std::string_view pattern_text(const elem& e, std::string& buf) {
@@ -126,7 +128,7 @@ std::string_view pattern_text(const elem& e, std::string& buf) {
 
 long long find(const parse_state& ps, std::string_view pat) {
   if (pat.empty()) return -1;
-  std::size_t p = std::string_view(ps.str).find(pat, static_cast<std::size_t>(ps.cursor));
+  std::size_t p = ps.str.find(pat, static_cast<std::size_t>(ps.cursor));
   return p == std::string::npos ? -1 : static_cast<long long>(p);
 }
 
@@ -134,8 +136,7 @@ void apply_pattern(parse_state& ps, const elem& e) {
   switch (e.kind) {
     case E_STR:
     case E_VSTR: {
-      std::string buf;
-      std::string_view pat = pattern_text(e, buf);
+      std::string_view pat = pattern_text(e, ps.pattern);
       if (pat.empty()) {
         ps.cursor = ps.end;
         break;
@@ -157,13 +158,12 @@ void apply_pattern(parse_state& ps, const elem& e) {
 }
 
 // The end of the region that a group of variables shares, from the element behind the group.
-long long region_end(const parse_state& ps, const elem* behind) {
+long long region_end(parse_state& ps, const elem* behind) {
   if (!behind || behind->kind == E_COMMA) return ps.len();
   switch (behind->kind) {
     case E_STR:
     case E_VSTR: {
-      std::string buf;
-      long long p = find(ps, pattern_text(*behind, buf));
+      long long p = find(ps, pattern_text(*behind, ps.pattern));
       return p < 0 ? ps.len() : p;
     }
     case E_PLUS: {
@@ -179,36 +179,53 @@ long long region_end(const parse_state& ps, const elem* behind) {
   }
 }
 
-void assign(const elem& e, std::string_view value, bool upper) {
-  bool traced = rx_tracing(0x04 | 0x20);
+// What the assignments of one PARSE share: the variable context and whether values are traced.
+struct assign_ctx {
+  rx_var_ctx vars;
+  bool upper;
+  bool traced;
+};
+
+void assign(const assign_ctx& ac, const elem& e, std::string_view value) {
   if (e.kind == E_DOT) {
-    if (traced) rx_trace_detail(">.> . <-- \"" + std::string(value) + "\"");
+    if (ac.traced) rx_trace_detail(">.> . <-- \"" + std::string(value) + "\"");
     return;
   }
   const rx_node* v = e.tok;
   if (v->value[0] == '.') rx_raise(31, v);
-  rx_var* slot = rx_assign_text(rx_ctx(), *v, value);
-  if (upper)
+  rx_var* slot;
+  if (v->slot_pool == ac.vars.pool->id && v->parts.empty() && v->slot->state != 2) {
+    // The target's slot in this pool, remembered by the token: the value's buffer takes the text.
+    slot = v->slot;
+    ++slot->changes;
+    slot->state = 1;
+    slot->value.set_text(value);
+  } else {
+    slot = rx_assign_text(ac.vars, *v, value);
+  }
+  if (ac.upper)
     for (char& c : slot->value.text)
       if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-  if (rx_env_symbol(*v)) rx_env_store(*v, slot->value.text);
-  if (traced) rx_trace_detail(">>> " + rx_default_text(rx_ctx(), *v) + " <-- \"" + slot->value.text + "\"");
+  if (v->value[0] == '$' && rx_env_symbol(*v)) rx_env_store(*v, slot->value.text);
+  if (ac.traced) rx_trace_detail(">>> " + rx_default_text(ac.vars, *v) + " <-- \"" + slot->value.text + "\"");
 }
 
-// `first` is the string parsed; with PARSE ARG the commas move on to the routine's later arguments.
-void run_template(const std::vector<elem>& el, std::string first, bool is_arg, bool upper) {
+// `first` is the string parsed; with PARSE ARG the commas move on to the routine's later arguments. The strings
+// are read in place: the caller makes sure that no assignment of the template can change them.
+void run_template(const std::vector<elem>& el, std::string_view first, bool is_arg, bool upper) {
   parse_state ps;
   std::size_t src = 0;
-  ps.str = std::move(first);
+  ps.str = first;
   ps.end = ps.len();
   bool group = false;
+  const assign_ctx ac{rx_ctx(), upper, rx_tracing(0x04 | 0x20)};
   for (std::size_t i = 0; i < el.size(); ++i) {
     const elem& e = el[i];
     if (e.kind == E_COMMA) {
       if (!is_arg) rx_raise(38, e.tok, "A comma may be used only within a PARSE ARG instructin");
       ++src;
       const std::vector<rx_arg>& args = rx_st.run->proc->args;
-      ps.str = src < args.size() ? args[src].text : std::string();
+      ps.str = src < args.size() ? std::string_view(args[src].text) : std::string_view();
       ps.cursor = ps.last = 0;
       ps.end = ps.len();
       group = false;
@@ -234,16 +251,14 @@ void run_template(const std::vector<elem>& el, std::string first, bool is_arg, b
       while (to < ps.end && ps.str[static_cast<std::size_t>(to)] != ' ') ++to;
       after = to + 1;
     } else if (next && (next->kind == E_STR || next->kind == E_VSTR)) {
-      std::string buf;
-      after = ps.end + static_cast<long long>(pattern_text(*next, buf).size());
+      after = ps.end + static_cast<long long>(pattern_text(*next, ps.pattern).size());
     } else if (next && next->kind == E_PLUS) {
       after = ps.cursor + position(*next);
     } else if (next && next->kind == E_ABS) {
       long long n = position(*next) - 1;
       if (n > ps.cursor) to = after = n < ps.end ? n : ps.end;
     }
-    assign(e, std::string_view(ps.str).substr(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from)),
-           upper);
+    assign(ac, e, ps.str.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from)));
     ps.cursor = clamp(after, 0, ps.end);
   }
 }
@@ -268,42 +283,77 @@ std::string input_line() {
 
 }  // namespace
 
-void rx_exec_parse(const rx_stmt& s) {
+namespace {
+
+// A template made ready once for its statement: its elements, and whether the source variable (PARSE VAR, or
+// PARSE VALUE of a lone variable) may be read in place: it is a simple symbol that no target of the template
+// assigns, and the template reads no variable (whose NOVALUE handler could change it).
+struct prepared_template {
+  std::vector<elem> el;
+  bool source_in_place = false;
+};
+
+const prepared_template& prepare(const rx_stmt& s) {
   if (!s.prepared) {
-    auto prepared = std::make_shared<std::vector<elem>>();
-    elements(s.chain, *prepared);
-    s.prepared = prepared;
+    auto p = std::make_shared<prepared_template>();
+    elements(s.chain, p->el);
+    const rx_node* src = s.form == RX_SRC_VAR ? s.target : s.form == RX_SRC_VALUE ? s.expr : nullptr;
+    if (src && src->type == SYMBOL && src->parts.empty() && src->value[0] != '$') {
+      bool ok = true;
+      for (const elem& e : p->el) {
+        if (e.var) ok = false;
+        if (e.kind == E_VAR && e.tok->value == src->value) ok = false;
+      }
+      p->source_in_place = ok;
+    }
+    s.prepared = p;
   }
-  const std::vector<elem>& el = *static_cast<const std::vector<elem>*>(s.prepared.get());
-  std::string source;
+  return *static_cast<const prepared_template*>(s.prepared.get());
+}
+
+}  // namespace
+
+void rx_exec_parse(const rx_stmt& s) {
+  const prepared_template& pt = prepare(s);
+  std::string source;       // a source of its own, when it is not read in place
+  std::string_view text;    // what the template parses
+  rx_value tmp;
+  std::string buf;
   const rx_numeric& n = rx_st.run->proc->numeric;
   switch (s.form) {
     case RX_SRC_ARG:
-      if (!rx_st.run->proc->args.empty()) source = rx_st.run->proc->args[0].text;
+      if (!rx_st.run->proc->args.empty()) text = rx_st.run->proc->args[0].text;
       break;
     case RX_SRC_LINEIN:
-      source = input_line();
+      text = source = input_line();
       break;
     case RX_SRC_PULL: {
-      std::string line;
-      source = rx_queue_pull(line) ? line : input_line();
+      if (!rx_queue_pull(source)) source = input_line();
+      text = source;
       break;
     }
     case RX_SRC_SOURCE:
-      source = rx_st.run->source_desc;
+      text = source = rx_st.run->source_desc;
       break;
     case RX_SRC_VALUE:
-      source = s.expr ? var_text(s.expr) : std::string();
+    case RX_SRC_VAR: {
+      const rx_node* e = s.form == RX_SRC_VAR ? s.target : s.expr;
+      if (!e) break;
+      const rx_value& v = rx_eval(e, tmp);
+      text = rx_text_of(v, buf, e);
+      // A value of the statement's own (a result, a number's text, a constant) stays as it is; a variable's
+      // text is copied unless nothing in the template can change it.
+      bool own = &v == &tmp || text.data() == buf.data() || e->type == STRING || pt.source_in_place;
+      if (!own) text = source.assign(text);
       break;
-    case RX_SRC_VAR:
-      source = var_text(s.target);
-      break;
+    }
     case RX_SRC_VERSION:
-      source = version_text();
+      text = source = version_text();
       break;
     default:
-      source = std::to_string(n.digits) + " " + std::to_string(n.fuzz) + (n.form ? " ENGINEERING" : " SCIENTIFIC");
+      text = source =
+          std::to_string(n.digits) + " " + std::to_string(n.fuzz) + (n.form ? " ENGINEERING" : " SCIENTIFIC");
       break;
   }
-  run_template(el, std::move(source), s.form == RX_SRC_ARG, s.upper != 0);
+  run_template(pt.el, text, s.form == RX_SRC_ARG, s.upper != 0);
 }

@@ -51,9 +51,25 @@ struct rx_node {
   // Run-time caches, filled on first use: the hash of a simple symbol's name; the value of a string constant.
   mutable uint64_t hash = 0;
   mutable uint64_t slot_pool = 0;  // a simple symbol's slot in the pool of that id (slots live as long as pools)
-  mutable rx_var* slot = nullptr;
+  mutable rx_var* slot = nullptr;  // a compound symbol keeps its stem key's slot here instead
+  mutable uint64_t key_hash = 0;   // hash of `stem_key`
+  // Per part of a compound symbol: the hash of its name (for the first part, the running hash of the name's
+  // start, `parts[0]` and its dot) and, for a tail, its slot in the pool of that id.
+  struct tail_cache {
+    uint64_t hash = 0;
+    uint64_t pool = 0;
+    rx_var* slot = nullptr;
+  };
+  mutable std::vector<tail_cache> tails;
   mutable rx_value cval;
   mutable bool cval_ready = false;
+  // Caches of a routine's name node at a call site: the built-in table row found for it (-2 not looked up yet,
+  // -1 none) under case mode `call_mode`; the label generation of the run in which no label answered it; whether
+  // its arguments can be read in place (0 not known yet, 1 yes: no calls or commands among them, 2 no).
+  mutable int32_t call_row = -2;
+  mutable int32_t call_mode = -1;
+  mutable uint64_t call_nolabel_gen = 0;
+  mutable int8_t call_args_pure = 0;
 
   std::size_t len() const { return value.size(); }
 };

@@ -114,35 +114,16 @@ void rx_trace_after_command(const rx_stmt& s, const std::string& command, int32_
   if (result != 0) rx_report_out(indent + ">>> RC(" + std::to_string(result) + ")\n");
 }
 
-void rx_exec_trace(const rx_stmt& s) {
+namespace {
+
+// Apply a TRACE value (not empty, not a number) from its left. Returns 0, or the offending character's position
+// plus one when a character is no setting; the flags then stand as the characters before it left them.
+std::size_t apply_letters(std::string_view v) {
   rx_run& r = R();
   rx_proc& p = P();
-  if ((p.trace & T_ASK) && !r.interactive) return;  // under interactive trace only what the user types counts
-  std::string v;
-  if (s.target) {
-    if (s.upper) {
-      rx_value t;
-      std::string buf;
-      v = rx_text_of(rx_eval(s.target, t), buf, s.target);
-    } else {
-      v = s.target->value;
-    }
-  }
-  if (v.empty()) {
-    p.trace = (p.trace & T_DEBUG) | T_E;
-    return;
-  }
-  if (rx_is_number(v, nullptr, nullptr)) {
-    double d;
-    if (!rx_whole(rx_value::string(v), p.numeric.digits, &d)) rx_raise(26, s.target, "Expression evaluates to " + v);
-    if (!(p.trace & T_ASK)) return;  // counts matter only in interactive trace
-    if (d >= 0) r.trace_skip = static_cast<int>(d > 1e9 ? 1e9 : d);
-    else r.trace_quiet = static_cast<int>(-d > 1e9 ? 1e9 : -d);
-    r.pause_end = true;
-    return;
-  }
   int flags = p.trace;
-  for (char ch : v) {
+  for (std::size_t i = 0; i < v.size(); ++i) {
+    char ch = v[i];
     char u = ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 32) : ch;
     if (u == '!') {
       flags ^= T_NOEXEC;
@@ -175,13 +156,80 @@ void rx_exec_trace(const rx_stmt& s) {
       if (l.letter == u) hit = &l;
     if (!hit) {
       p.trace = flags;
-      rx_raise(24, s.target);
+      return i + 1;
     }
     flags = (flags & (T_ASK | T_NOEXEC | T_DEBUG | T_Y)) | hit->bit;
     break;
   }
   if ((p.trace & T_ASK) && !(flags & T_ASK)) r.pause_end = true;
   p.trace = flags;
+  return 0;
+}
+
+// A number as a TRACE value: counts of interactive trace. False when it is not whole.
+bool apply_count(std::string_view v) {
+  rx_run& r = R();
+  rx_proc& p = P();
+  double d;
+  if (!rx_whole(rx_value::string(v), p.numeric.digits, &d)) return false;
+  if (!(p.trace & T_ASK)) return true;  // counts matter only in interactive trace
+  if (d >= 0) r.trace_skip = static_cast<int>(d > 1e9 ? 1e9 : d);
+  else r.trace_quiet = static_cast<int>(-d > 1e9 ? 1e9 : -d);
+  r.pause_end = true;
+  return true;
+}
+
+}  // namespace
+
+void rx_exec_trace(const rx_stmt& s) {
+  rx_run& r = R();
+  rx_proc& p = P();
+  if ((p.trace & T_ASK) && !r.interactive) return;  // under interactive trace only what the user types counts
+  std::string v;
+  if (s.target) {
+    if (s.upper) {
+      rx_value t;
+      std::string buf;
+      v = rx_text_of(rx_eval(s.target, t), buf, s.target);
+    } else {
+      v = s.target->value;
+    }
+  }
+  if (v.empty()) {
+    p.trace = (p.trace & T_DEBUG) | T_E;
+    return;
+  }
+  if (rx_is_number(v, nullptr, nullptr)) {
+    if (!apply_count(v)) rx_raise(26, s.target, "Expression evaluates to " + v);
+    return;
+  }
+  if (apply_letters(v) != 0) rx_raise(24, s.target);
+}
+
+std::string rx_trace_letters() {
+  int t = P().trace;
+  std::string out;
+  if (t & T_ASK) out += '?';
+  if (t & T_NOEXEC) out += '!';
+  // Each letter leaves one bit of these; F and N share theirs, shown as N.
+  static constexpr letter_bit shown[] = {{'A', T_A}, {'C', T_C}, {'E', T_E}, {'I', T_I},
+                                         {'L', T_L}, {'N', T_F}, {'R', T_R}, {'S', T_S}};
+  for (const letter_bit& l : shown)
+    if (t & l.bit) return out + l.letter;
+  return out + 'O';
+}
+
+bool rx_trace_set(std::string_view v) {
+  rx_proc& p = P();
+  if (v.empty()) {
+    p.trace = (p.trace & T_DEBUG) | T_E;
+    return true;
+  }
+  if (rx_is_number(v, nullptr, nullptr)) return apply_count(v);
+  int before = p.trace;
+  if (apply_letters(v) == 0) return true;
+  p.trace = before;
+  return false;
 }
 
 bool rx_trace_pause(const rx_cell* c) {

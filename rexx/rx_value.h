@@ -37,7 +37,13 @@ struct rx_value {
   }
   void set_text(std::string_view s) {
     kind = RX_STR;
-    text.assign(s.data(), s.size());
+    // Clearing and appending is the cheapest copy into the buffer already held, unless `s` lies in that buffer.
+    if (s.data() >= text.data() && s.data() <= text.data() + text.size()) {
+      text.assign(s.data(), s.size());
+    } else {
+      text.clear();
+      text.append(s.data(), s.size());
+    }
     numchk = 0;
   }
 };

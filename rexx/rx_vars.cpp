@@ -34,6 +34,7 @@ void drop_stem_in(rx_pool* pool, std::string_view key) {
     if (tail || n == key) {
       v.value = rx_value{};
       v.state = 0;
+      ++v.changes;
     }
   }
 }
@@ -49,20 +50,45 @@ rx_var* cached_find(rx_pool* pool, const rx_node& sym, bool create) {
   return v;
 }
 
+uint64_t key_hash(const rx_node& sym) {
+  if (sym.key_hash == 0) sym.key_hash = rx_name_hash(sym.stem_key);
+  return sym.key_hash;
+}
+
+// The pool in which a compound symbol's stem lives (following the stem's exposure from `pool`), with the stem
+// key's slot there (null when none). The token remembers the key's slot in the pool it starts from; that slot is
+// made (unset) when missing, so that it can be remembered.
+rx_pool* compound_pool(rx_pool* pool, const rx_node& sym, rx_var** key) {
+  rx_var* s;
+  if (sym.slot_pool == pool->id) {
+    s = sym.slot;
+  } else {
+    s = pool->find_or_add(sym.stem_key, key_hash(sym));
+    sym.slot_pool = pool->id;
+    sym.slot = s;
+  }
+  while (s && s->state == 2 && pool->parent) {
+    pool = pool->parent;
+    s = pool->find(sym.stem_key, key_hash(sym));
+  }
+  *key = s;
+  return pool;
+}
+
 // Where a (derived) name's slot lives: its stem's exposure, then its own, are followed.
 rx_var* find_value_slot(rx_pool* pool, const rx_node& sym, std::string_view name, uint64_t hash, rx_var** stem) {
   bool compound = !sym.parts.empty() && !is_stem_symbol(sym);
-  uint64_t kh = compound ? rx_name_hash(sym.stem_key) : 0;
   bool first = true;
+  rx_var* key = nullptr;
   for (;;) {
-    if (compound) pool = stem_pool(pool, sym.stem_key, kh);
+    if (compound) pool = compound_pool(pool, sym, &key);
     rx_var* v = first && sym.parts.empty() ? cached_find(pool, sym, false) : pool->find(name, hash);
     first = false;
     if (v && v->state == 2 && pool->parent) {
       pool = pool->parent;
       continue;
     }
-    if (stem) *stem = compound ? pool->find(sym.stem_key, kh) : nullptr;
+    if (stem) *stem = key;
     return v && v->state == 1 ? v : nullptr;
   }
 }
@@ -73,15 +99,21 @@ struct name_buf {
   std::string_view view;
 };
 
+uint64_t derive(const rx_var_ctx& c, const rx_node& sym, std::string& out);
+
 void name_of(const rx_var_ctx& c, const rx_node& sym, name_buf& b) {
   if (sym.parts.empty()) {
     b.view = sym.value;
     b.hash = symbol_hash(sym);
     return;
   }
-  rx_derive_name(c, sym, b.text);
+  if (is_stem_symbol(sym)) {
+    b.view = sym.stem_key;
+    b.hash = key_hash(sym);
+    return;
+  }
+  b.hash = derive(c, sym, b.text);
   b.view = b.text;
-  b.hash = rx_name_hash(b.text);
 }
 
 }  // namespace
@@ -123,40 +155,80 @@ rx_var* rx_pool::find_or_add(std::string_view name, uint64_t hash) {
   return &v;
 }
 
-void rx_derive_name(const rx_var_ctx& c, const rx_node& sym, std::string& out) {
-  if (is_stem_symbol(sym)) {
-    out = sym.stem_key;
-    return;
+namespace {
+
+// The hash of a name, carried on over more bytes: rx_name_hash is this from 0, with 0 itself mapped to 1.
+uint64_t hash_on(uint64_t h, std::string_view more) {
+  for (unsigned char ch : more) h = h * 31 + ch;
+  return h;
+}
+
+bool constant_part(const std::string& part) { return part.empty() || (part[0] >= '0' && part[0] <= '9'); }
+
+// The slot whose value tail `i` of a compound symbol takes (exposure followed), or null. The token remembers the
+// tail's slot in the pool it is used in (made unset when missing, so that it can be).
+rx_var* tail_slot(const rx_var_ctx& c, const rx_node& sym, std::size_t i) {
+  rx_node::tail_cache& t = sym.tails[i];
+  const std::string& part = sym.parts[i];
+  rx_pool* p = c.pool;
+  rx_var* v;
+  if (t.pool == p->id) {
+    v = t.slot;
+  } else {
+    v = p->find_or_add(part, t.hash);
+    t.pool = p->id;
+    t.slot = v;
   }
-  out = sym.parts[0];
+  while (v && v->state == 2 && p->parent) {
+    p = p->parent;
+    v = p->find(part, t.hash);
+  }
+  return v;
+}
+
+// The derived name of a compound symbol and its hash, made together. Each tail's slot in the pool is
+// remembered by the token (made unset when missing, so that it can be).
+uint64_t derive(const rx_var_ctx& c, const rx_node& sym, std::string& out) {
+  if (sym.tails.size() != sym.parts.size()) {
+    sym.tails.assign(sym.parts.size(), rx_node::tail_cache{});
+    sym.tails[0].hash = hash_on(0, sym.parts[0]) * 31 + '.';
+    for (std::size_t k = 1; k < sym.parts.size(); ++k) sym.tails[k].hash = rx_name_hash(sym.parts[k]);
+  }
+  out.assign(sym.parts[0]);
+  out += '.';
+  uint64_t h = sym.tails[0].hash;
   std::string buf;
   for (std::size_t i = 1; i < sym.parts.size(); ++i) {
-    out += '.';
+    if (i > 1) {
+      out += '.';
+      h = h * 31 + '.';
+    }
     const std::string& part = sym.parts[i];
     if (part.empty()) continue;
     // A tail is looked up as a simple variable; a constant tail (digits first) is its own text.
-    rx_var* v = nullptr;
-    if (!(part[0] >= '0' && part[0] <= '9')) {
-      uint64_t h = rx_name_hash(part);
-      for (rx_pool* p = c.pool; p;) {
-        v = p->find(part, h);
-        if (v && v->state == 2 && p->parent) {
-          p = p->parent;
-          continue;
-        }
-        break;
-      }
-    }
+    rx_var* v = constant_part(part) ? nullptr : tail_slot(c, sym, i);
+    std::string_view add;
     if (!v || v->state != 1) {
-      out += part;
+      add = part;
     } else if (v->value.kind == RX_STR) {
-      out += v->value.text;
+      add = v->value.text;
     } else {
       buf.clear();
       if (!rx_format_number(v->value.num, v->value.decimals, *c.numeric, buf)) buf = "inf";
-      out += buf;
+      add = buf;
     }
+    out.append(add);
+    h = hash_on(h, add);
   }
+  return h ? h : 1;
+}
+
+}  // namespace
+
+void rx_derive_name(const rx_var_ctx& c, const rx_node& sym, std::string& out) {
+  name_buf b;
+  name_of(c, sym, b);
+  out.assign(b.view);
 }
 
 const rx_value* rx_get(const rx_var_ctx& c, const rx_node& sym) {
@@ -189,18 +261,18 @@ namespace {
 
 // The slot that an assignment to `sym` writes, its change count raised (a stem symbol drops its tails first).
 rx_var* assign_slot(const rx_var_ctx& c, const rx_node& sym) {
+  bool compound = !sym.parts.empty() && !is_stem_symbol(sym);
   name_buf b;
   name_of(c, sym, b);
-  bool compound = !sym.parts.empty() && !is_stem_symbol(sym);
   rx_pool* pool = c.pool;
   if (is_stem_symbol(sym)) {
     pool = stem_pool(pool, b.view, b.hash);
     drop_stem_in(pool, b.view);
   }
-  uint64_t kh = compound ? rx_name_hash(sym.stem_key) : 0;
   bool first = true;
+  rx_var* key = nullptr;
   for (;;) {
-    if (compound) pool = stem_pool(pool, sym.stem_key, kh);
+    if (compound) pool = compound_pool(pool, sym, &key);
     rx_var* slot = first && sym.parts.empty() ? cached_find(pool, sym, true) : pool->find_or_add(b.view, b.hash);
     first = false;
     if (slot->state == 2 && pool->parent) {
@@ -215,14 +287,27 @@ rx_var* assign_slot(const rx_var_ctx& c, const rx_node& sym) {
 
 }  // namespace
 
+namespace {
+
+// The slot that an assignment writes. A simple symbol whose slot in this pool the token remembers, and which is
+// not exposed, needs no search at all.
+rx_var* target_slot(const rx_var_ctx& c, const rx_node& sym) {
+  if (sym.slot_pool != c.pool->id || !sym.parts.empty() || sym.slot->state == 2) return assign_slot(c, sym);
+  ++sym.slot->changes;
+  sym.slot->state = 1;
+  return sym.slot;
+}
+
+}  // namespace
+
 rx_var* rx_assign(const rx_var_ctx& c, const rx_node& sym, rx_value v) {
-  rx_var* slot = assign_slot(c, sym);
+  rx_var* slot = target_slot(c, sym);
   slot->value = std::move(v);
   return slot;
 }
 
 rx_var* rx_assign_text(const rx_var_ctx& c, const rx_node& sym, std::string_view text) {
-  rx_var* slot = assign_slot(c, sym);
+  rx_var* slot = target_slot(c, sym);
   slot->value.set_text(text);  // reuses the slot's buffer
   return slot;
 }
@@ -262,6 +347,7 @@ void rx_drop(const rx_var_ctx& c, const rx_node& sym) {
   if (rx_var* v = find_value_slot(c.pool, sym, b.view, b.hash, nullptr)) {
     v->value = rx_value{};
     v->state = 0;
+    ++v->changes;
   }
 }
 
@@ -271,6 +357,7 @@ void rx_expose(const rx_var_ctx& c, const rx_node& sym) {
   rx_var* slot = c.pool->find_or_add(b.view, b.hash);
   slot->value = rx_value{};
   slot->state = 2;
+  ++slot->changes;
 }
 
 bool rx_valid_var_name(std::string_view w) {

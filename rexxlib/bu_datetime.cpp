@@ -120,7 +120,13 @@ rx_value bu_time(bu_call& c) {
   std::string_view opt = c.has(0) ? c.str(0, 0) : std::string_view("N");
   double whole = 0;
   int32_t dec = 0;
-  if (rx_is_number(opt, &whole, &dec) && rx_is_whole(whole)) throw rx_unavailable{"TIME() with a whole number"};
+  if (!opt.empty() && rx_is_number(opt, &whole, &dec) && rx_is_whole(whole)) {
+    // A count of seconds since midnight, laid out as option N lays out the time of day.
+    if (whole < 0 || whole > 2147483647.0)
+      bu_error(c, 0, "TIME(): argument 1 must start with C|E|H|L|M|N|R|S, or be a whole number.");
+    auto secs = static_cast<long long>(whole);
+    return rx_value::string(format("%2.2lld:%2.2lld:%2.2lld", secs / 3600, secs / 60 % 60, secs % 60));
+  }
   char k = opt.empty() ? ' ' : opt[0];
   if (k >= 'a' && k <= 'z') k = static_cast<char>(k - 32);
   if (k == 'E' || k == 'R') {

@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 #include <memory>
+#include <new>
+#include <utility>
 
 #include "rexx/rx_state.h"
 
@@ -55,7 +57,7 @@ const bu_row table[] = {
     {"clear", nullptr},
     {"compare", bu_compare},
     {"concat", nullptr},
-    {"condition", nullptr},
+    {"condition", bu_condition},
     {"copies", bu_copies},
     {"copy", nullptr},
     {"cos", bu_cos},
@@ -80,7 +82,7 @@ const bu_row table[] = {
     {"dofollow", nullptr},
     {"dup2", nullptr},
     {"errortext", bu_errortext},
-    {"externals", nullptr},
+    {"externals", bu_externals},
     {"exec", nullptr},
     {"fd", nullptr},
     {"fileconv", nullptr},
@@ -89,7 +91,7 @@ const bu_row table[] = {
     {"follow", nullptr},
     {"fork", nullptr},
     {"form", bu_form},
-    {"format", nullptr},
+    {"format", bu_format},
     {"comma", bu_comma},
     {"fileislocked", nullptr},
     {"ft", nullptr},
@@ -113,7 +115,7 @@ const bu_row table[] = {
     {"lineout", nullptr},
     {"linelast", nullptr},
     {"lines", nullptr},
-    {"linesize", nullptr},
+    {"linesize", bu_linesize},
     {"lower", bu_lower},
     {"ls", nullptr},
     {"ln", nullptr},
@@ -125,11 +127,11 @@ const bu_row table[] = {
     {"obf", nullptr},
     {"open_cons", nullptr},
     {"overlay", bu_overlay},
-    {"parg", nullptr},
+    {"parg", bu_parg},
     {"pi", bu_pi},
     {"popen", nullptr},
     {"pos", bu_pos},
-    {"rpos", nullptr},
+    {"rpos", bu_rpos},
     {"putenv", nullptr},
     {"qpid", nullptr},
     {"queued", bu_queued},
@@ -193,7 +195,7 @@ const bu_row table[] = {
     {"ioctl", nullptr},
     {"ismain", nullptr},
     {"listen", nullptr},
-    {"rchange", nullptr},
+    {"rchange", bu_rchange},
     {"recv", nullptr},
     {"recvfrom", nullptr},
     {"select", nullptr},
@@ -202,8 +204,8 @@ const bu_row table[] = {
     {"setsockopt", nullptr},
     {"shutdown", nullptr},
     {"socket", nullptr},
-    {"sort", nullptr},
-    {"sourceline", nullptr},
+    {"sort", bu_sort},
+    {"sourceline", bu_sourceline},
     {"space", bu_space},
     {"state", nullptr},
     {"statew", nullptr},
@@ -245,13 +247,13 @@ const bu_row table[] = {
     {"teec", nullptr},
     {"teek", nullptr},
     {"time", bu_time},
-    {"trace", nullptr},
+    {"trace", bu_trace},
     {"translate", bu_translate},
     {"trunc", bu_trunc},
     {"unix", nullptr},
     {"unsetenv", nullptr},
     {"upper", bu_upper},
-    {"upperw", nullptr},
+    {"upperw", bu_upperw},
     {"userid", nullptr},
     {"ShellExecute", nullptr},
     {"usleep", nullptr},
@@ -336,6 +338,11 @@ struct folded_copy {
 // The frame's state: the three copies (as spelled, lower case, upper case), made at their first use.
 struct bu_frame_state {
   std::array<std::unique_ptr<folded_copy>, 3> copies;
+  std::array<int8_t, bu_table_size> reads_only{};  // per row: 0 not known yet, 1 yes, 2 no
+  // The last string split into words, and its words: WORD(line, i) in a loop splits the same line again.
+  std::string words_of;
+  std::vector<std::pair<std::size_t, std::size_t>> words;
+  bool words_valid = false;
 };
 bu_frame_state bu_fs;
 
@@ -371,6 +378,73 @@ int find_row(std::string_view name) {
   return -1;
 }
 
+// The row of a call site's name, found once per case mode and kept in the name node.
+int cached_row(const rx_node* name) {
+  int mode = rx_st.sw.case_mode;
+  if (name->call_row == -2 || name->call_mode != mode) {
+    name->call_row = find_row(name->value);
+    name->call_mode = mode;
+  }
+  return name->call_row;
+}
+
+// The names of the table in upper case, for messages, made once.
+const char* upper_name(int row) {
+  static const std::vector<std::string> names = [] {
+    std::vector<std::string> out;
+    for (const bu_row& r : table) {
+      std::string n = r.name;
+      for (char& ch : n)
+        if (ch >= 'a' && ch <= 'z') ch = static_cast<char>(ch - 32);
+      out.push_back(std::move(n));
+    }
+    return out;
+  }();
+  return names[static_cast<std::size_t>(row)].c_str();
+}
+
+// Whether an argument expression can run no routine and no command: then evaluating it changes no variable.
+bool pure_expr(const rx_node* n) {
+  if (!n || n->type != RX_EXPR) return true;
+  const rx_fx* fx = n->expr;
+  if (fx->arity == 3 || fx->op == rx_op::fx_backq) return false;
+  for (const rx_operand& o : fx->operand)
+    if (!pure_expr(o.node)) return false;
+  return true;
+}
+
+bool pure_args(const rx_node* name, const rx_node* args) {
+  if (name->call_args_pure == 0) {
+    bool pure = true;
+    for (const rx_node* a = args; a && pure; a = a->next) pure = pure_expr(a);
+    name->call_args_pure = pure ? 1 : 2;
+  }
+  return name->call_args_pure == 1;
+}
+
+// Handlers that only read their arguments and write no variable: their arguments that are variables may be read
+// in place. Any other handler gets copies of variables (constants are read in place by all).
+bool handler_reads_only(bu_handler fn) {
+  static const bu_handler list[] = {
+      bu_abbrev,  bu_center,   bu_compare,   bu_copies,    bu_delstr,  bu_insert,  bu_lastpos, bu_left,
+      bu_length,  bu_lower,    bu_overlay,   bu_pos,       bu_index,   bu_reverse, bu_right,   bu_strip,
+      bu_substr,  bu_translate, bu_upper,    bu_xrange,    bu_verify,  bu_words,   bu_word,    bu_subword,
+      bu_delword, bu_wordindex, bu_wordlength, bu_wordpos, bu_space,   bu_find,    bu_bitand,  bu_bitor,
+      bu_bitxor,  bu_datatype, bu_change,    bu_comma,     bu_fwc,     bu_justify, bu_b2x,     bu_x2b,
+      bu_c2d,     bu_c2o,      bu_c2x,       bu_d2c,       bu_d2x,     bu_x2c,     bu_x2d,     bu_abs,
+      bu_sign,    bu_max,      bu_min,       bu_trunc,     bu_symbol,
+  };
+  for (bu_handler h : list)
+    if (h == fn) return true;
+  return false;
+}
+
+bool reads_only(int row) {
+  int8_t& known = bu_fs.reads_only[static_cast<std::size_t>(row)];
+  if (known == 0) known = handler_reads_only(table[row].fn) ? 1 : 2;
+  return known == 1;
+}
+
 const rx_node* node_at(const bu_call& c, std::size_t index) {
   const rx_node* n = c.first;
   for (std::size_t i = 0; i < index && n && n->next; ++i) n = n->next;
@@ -385,9 +459,33 @@ std::string range_text(std::size_t min, std::size_t max) {
 
 }  // namespace
 
+bu_values::~bu_values() {
+  for (std::size_t i = 0; i < count_ && i < inline_count; ++i) at(i).~entry();
+}
+
+void bu_values::reset(std::size_t n) {
+  count_ = n;
+  for (std::size_t i = 0; i < n && i < inline_count; ++i) new (inline_ + i * sizeof(entry)) entry();
+  if (n > inline_count) more_.resize(n - inline_count);  // sized once: slots do not move while arguments fill them
+}
+
+rx_value& bu_values::own(std::size_t i) {
+  entry& e = at(i);
+  if (e.borrowed) {
+    double d;
+    int32_t dec;
+    rx_as_number(*e.borrowed, &d, &dec);  // the source keeps the outcome, so the next call skips the scan
+    e.own = *e.borrowed;
+    e.borrowed = nullptr;
+  }
+  return e.own;
+}
+
 std::string_view bu_call::str(std::size_t i, int slot) {
   if (!has(i)) return {};
-  return rx_text_of(v[i], buf[slot & 3], node_at(*this, i));
+  const rx_value& x = std::as_const(v)[i];
+  if (x.kind == RX_STR) return x.text;
+  return rx_text_of(x, buf[slot & 3], node_at(*this, i));  // the node only places an error
 }
 
 void bu_install() { rx_set_builtins(bu_search); }
@@ -398,29 +496,32 @@ const bool installed_at_start = (bu_install(), true);
 }  // namespace
 
 bool bu_search(const rx_node* name, const rx_node* args, rx_value& out) {
-  int row = find_row(name->value);
+  int row = cached_row(name);
   if (row < 0) return false;
-  std::string upper = table[row].name;
-  for (char& ch : upper)
-    if (ch >= 'a' && ch <= 'z') ch = static_cast<char>(ch - 32);
-  if (!table[row].fn) throw rx_unavailable{upper + "()"};
+  bu_handler fn = table[row].fn;
+  if (!fn) throw rx_unavailable{std::string(upper_name(row)) + "()"};
   bu_call c;
-  c.name = upper.c_str();
+  c.name = upper_name(row);
   c.first = args;
-  for (const rx_node* a = args; a; a = a->next) {
-    if (a->type == VIDE) {
-      c.v.emplace_back();
-      c.present.push_back(false);
-    } else {
-      c.v.push_back(rx_eval_owned(a));
-      c.present.push_back(true);
-    }
+  std::size_t n = 0;
+  for (const rx_node* a = args; a; a = a->next) ++n;
+  c.v.reset(n ? n : 1);  // empty parentheses: one absent argument
+  // Variables are read in place only when no later argument can run code that changes them and the handler
+  // writes no variable itself; constants never change.
+  bool lend_vars = rx_st.run->proc->cond[RX_C_NOVALUE] != 2 && pure_args(name, args) && reads_only(row);
+  std::size_t i = 0;
+  for (const rx_node* a = args; a; a = a->next, ++i) {
+    if (a->type == VIDE) continue;
+    bu_values::entry& e = c.v.slot(i);
+    e.present = true;
+    const rx_value& got = rx_eval(a, e.own);
+    if (&got == &e.own) continue;
+    if (a->type == STRING || lend_vars)
+      e.borrowed = &got;
+    else
+      e.own = got;
   }
-  if (c.v.empty()) {  // empty parentheses: one absent argument
-    c.v.emplace_back();
-    c.present.push_back(false);
-  }
-  out = table[row].fn(c);
+  out = fn(c);
   return true;
 }
 
@@ -429,30 +530,40 @@ void bu_error(const bu_call& c, std::size_t index, const std::string& text, int 
   rx_raise(number, node_at(c, index));
 }
 
-void bu_count_msg(const bu_call& c, std::size_t min, std::size_t max, const char* text) {
+namespace {
+
+bool count_ok(const bu_call& c, std::size_t min, std::size_t max) {
+  if (max == 0) return c.count() == 1 && !c.has(0);  // no arguments: only empty parentheses
   bool ok = c.count() >= min && c.count() <= max;
   for (std::size_t i = 0; ok && i < min; ++i) ok = c.has(i);
-  if (max == 0) ok = c.count() == 1 && !c.has(0);  // no arguments: only empty parentheses
-  if (!ok) bu_error(c, 0, std::string(c.name) + "(): " + text);
+  return ok;
+}
+
+}  // namespace
+
+void bu_count_msg(const bu_call& c, std::size_t min, std::size_t max, const char* text) {
+  if (!count_ok(c, min, max)) bu_error(c, 0, std::string(c.name) + "(): " + text);
 }
 
 void bu_count(const bu_call& c, std::size_t min, std::size_t max) {
-  bu_count_msg(c, min, max, range_text(min, max).c_str());
+  if (!count_ok(c, min, max)) bu_error(c, 0, std::string(c.name) + "(): " + range_text(min, max));
 }
 
 double bu_round(double x, int d) { return rx_round(x, d); }
 
 long bu_int(bu_call& c, std::size_t i, int kind, long dflt) {
   if (!c.has(i)) return dflt;
+  double x = 0;
+  int32_t dec;
+  bool num = rx_as_number(std::as_const(c.v)[i], &x, &dec);
+  if (num) x = bu_round(x, 9);
+  bool whole = num && std::isfinite(x) && x == std::floor(x);
+  bool in_range = !((kind == 1 && x < 0) || (kind == 2 && x <= 0) || x > 2147483647.0 || x < -2147483647.0);
+  if (whole && in_range) return static_cast<long>(x);
   std::string head = std::string(c.name) + "(): argument " + std::to_string(i + 1) + " must be a ";
   const char* sign_text = kind == 2 ? "strictly positive integer." : "positive integer.";
-  bool num = rx_to_number(c.v[i]) || c.v[i].kind == RX_NUM;
-  double x = num ? bu_round(c.v[i].num, 9) : 0;
-  if (!num || !std::isfinite(x) || x != std::floor(x))
-    bu_error(c, i, head + (kind == 2 ? sign_text : "whole number."));
-  if ((kind == 1 && x < 0) || (kind == 2 && x <= 0) || x > 2147483647.0 || x < -2147483647.0)
-    bu_error(c, i, head + (kind == 0 ? "whole number." : sign_text));
-  return static_cast<long>(x);
+  if (!whole) bu_error(c, i, head + (kind == 2 ? sign_text : "whole number."));
+  bu_error(c, i, head + (kind == 0 ? "whole number." : sign_text));
 }
 
 char bu_pad(bu_call& c, std::size_t i) {
@@ -463,12 +574,16 @@ char bu_pad(bu_call& c, std::size_t i) {
 }
 
 double bu_num(bu_call& c, std::size_t i, int number) {
-  if (c.has(i) && (c.v[i].kind == RX_NUM || rx_to_number(c.v[i]))) return c.v[i].num;
+  double x;
+  int32_t dec;
+  if (c.has(i) && rx_as_number(std::as_const(c.v)[i], &x, &dec)) return x;
   bu_error(c, i, std::string(c.name) + "(): argument " + std::to_string(i + 1) + " must be a number.", number);
 }
 
 std::vector<std::pair<std::size_t, std::size_t>> bu_word_list(std::string_view s) {
+  if (bu_fs.words_valid && s == bu_fs.words_of) return bu_fs.words;
   std::vector<std::pair<std::size_t, std::size_t>> out;
+  out.reserve(16);  // one allocation for a usual line
   std::size_t i = 0;
   while (i < s.size()) {
     while (i < s.size() && s[i] == ' ') ++i;
@@ -478,5 +593,8 @@ std::vector<std::pair<std::size_t, std::size_t>> bu_word_list(std::string_view s
     out.emplace_back(i, j - i);
     i = j;
   }
+  bu_fs.words_of.assign(s.data(), s.size());
+  bu_fs.words = out;
+  bu_fs.words_valid = true;
   return out;
 }

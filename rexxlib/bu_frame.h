@@ -1,23 +1,69 @@
 // The built-in function frame: the table of built-ins, the name search, argument evaluation, checks and messages.
 #pragma once
 
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "rexx/rx_exec.h"
 
+// The argument values of one call, the usual few held inline. An argument that is a variable or a constant may be
+// read in place (borrowed) when nothing evaluated after it can change it; asking for it through the non-const
+// operator[] makes it a value of the call's own first, so that a handler's in-place conversion never reaches the
+// variable or the constant.
+class bu_values {
+ public:
+  bu_values() = default;
+  bu_values(const bu_values&) = delete;
+  bu_values& operator=(const bu_values&) = delete;
+  ~bu_values();
+
+  std::size_t size() const { return count_; }
+  bool empty() const { return count_ == 0; }
+  const rx_value& operator[](std::size_t i) const {
+    const entry& e = at(i);
+    return e.borrowed ? *e.borrowed : e.own;
+  }
+  rx_value& operator[](std::size_t i) { return own(i); }
+  bool present(std::size_t i) const { return i < count_ && at(i).present; }
+
+  // Filling, by the frame, once: room for n arguments, then each one's slot for evaluation.
+  struct entry {
+    rx_value own;
+    const rx_value* borrowed = nullptr;
+    bool present = false;
+  };
+  void reset(std::size_t n);
+  entry& slot(std::size_t i) { return at(i); }
+
+ private:
+  static constexpr std::size_t inline_count = 5;
+  rx_value& own(std::size_t i);
+  const entry& at(std::size_t i) const {
+    return i < inline_count ? *std::launder(reinterpret_cast<const entry*>(inline_ + i * sizeof(entry)))
+                            : more_[i - inline_count];
+  }
+  entry& at(std::size_t i) {
+    return i < inline_count ? *std::launder(reinterpret_cast<entry*>(inline_ + i * sizeof(entry)))
+                            : more_[i - inline_count];
+  }
+  // Storage for the first entries, made for the arguments there are and no more (reset and the destructor).
+  alignas(entry) unsigned char inline_[inline_count * sizeof(entry)];
+  std::vector<entry> more_;
+  std::size_t count_ = 0;
+};
+
 // One call of a built-in: its NAME (upper case, for messages), its argument nodes and their values, evaluated left
 // to right before any check. An omitted argument is absent; "F()" has a count of 1 with an absent first value.
 struct bu_call {
   const char* name = "";
   const rx_node* first = nullptr;
-  std::vector<rx_value> v;
-  std::vector<bool> present;
+  bu_values v;
   std::string buf[4];  // text forms of numbers handed out by str()
 
   std::size_t count() const { return v.size(); }
-  bool has(std::size_t i) const { return i < v.size() && present[i]; }
+  bool has(std::size_t i) const { return v.present(i); }
   // The argument as a string view ("" when absent); a number is formatted into slot `slot`.
   std::string_view str(std::size_t i, int slot = 0);
 };
@@ -103,6 +149,9 @@ rx_value bu_date(bu_call&);
 rx_value bu_time(bu_call&);
 rx_value bu_address(bu_call&);
 rx_value bu_arg(bu_call&);
+rx_value bu_condition(bu_call&);
+rx_value bu_sourceline(bu_call&);
+rx_value bu_trace(bu_call&);
 rx_value bu_random(bu_call&);
 rx_value bu_trunc(bu_call&);
 rx_value bu_sin(bu_call&);
@@ -136,3 +185,37 @@ rx_value bu_abs(bu_call&);
 rx_value bu_sign(bu_call&);
 rx_value bu_max(bu_call&);
 rx_value bu_min(bu_call&);
+
+// Stems. A stem is named without its final dot; its name is folded by the case mode, a tail is taken as given.
+// The derived name of element `tail` (or `index`) of `stem`: "STEM.tail".
+std::string bu_stem_ref(std::string_view stem, std::string_view tail);
+std::string bu_stem_ref(std::string_view stem, long long index);
+// Assign a derived name exactly (no tail is substituted), following exposure; read one (an unset element gives
+// the stem's own value when it has one, else null).
+void bu_set_derived(std::string_view name, rx_value v);
+const rx_value* bu_get_derived(std::string_view name);
+// Assign element `tail` (or `index`) of `stem` a string.
+void bu_stem_set(std::string_view stem, std::string_view tail, std::string_view text);
+void bu_stem_set(std::string_view stem, long long index, std::string_view text);
+// A name folded by the case mode, as the lexer folds a symbol: for tails that a program writes as symbols
+// (".%d.AdapterName" is read back as stem.1.AdapterName, which is STEM.1.ADAPTERNAME in upper case mode).
+std::string bu_fold(std::string_view name);
+// A list: stem.0 gets the count, stem.1 to stem.n the items.
+void bu_stem_list(std::string_view stem, const std::vector<std::string>& items);
+// Assign a string to a variable of the current pool, its name folded by the case mode.
+void bu_set_var(std::string_view name, std::string_view text);
+// The symbol written as argument `index` (a plain symbol, as the lexer folded it), or null for any other form.
+const char* bu_symbol_arg(const bu_call& c, std::size_t index);
+
+rx_value bu_format(bu_call&);
+rx_value bu_upperw(bu_call&);
+rx_value bu_rpos(bu_call&);
+rx_value bu_rchange(bu_call&);
+rx_value bu_sort(bu_call&);
+rx_value bu_parg(bu_call&);
+rx_value bu_linesize(bu_call&);
+rx_value bu_externals(bu_call&);
+
+// GLOBALV as a command to the default environment: true with its RC when `word` (lower case) is "globalv" and
+// OPTION NOGLOBALV is not in force; `rest` is the text behind the word.
+bool bu_globalv_command(std::string_view word, std::string_view rest, int32_t* rc);

@@ -1,6 +1,7 @@
 // Built-ins that give the language's state as text (NUMERIC settings, error texts, the platform) and DATATYPE.
 #include <cmath>
 
+#include "os/os_term.h"
 #include "rexx/rx_errors.h"
 #include "rexx/rx_state.h"
 #include "rexxlib/bu_frame.h"
@@ -113,24 +114,115 @@ rx_value bu_address(bu_call& c) {
   return rx_value::string(rx_st.envs[static_cast<std::size_t>(rx_st.run->proc->env)].name);
 }
 
+namespace {
+
+// Word n of the program's command string: 0 is the program's name, 1 the first word behind it; blanks and tabs
+// separate words.
+std::string command_word(std::string_view cmd, long n) {
+  std::size_t i = 0;
+  for (long w = 0;; ++w) {
+    while (i < cmd.size() && (cmd[i] == ' ' || cmd[i] == '\t')) ++i;
+    if (i == cmd.size()) return {};
+    std::size_t j = i;
+    while (j < cmd.size() && cmd[j] != ' ' && cmd[j] != '\t') ++j;
+    if (w == n) return std::string(cmd.substr(i, j - i));
+    i = j;
+  }
+}
+
+}  // namespace
+
 rx_value bu_arg(bu_call& c) {
   bu_count(c, 0, 2);
-  const std::vector<rx_arg>& args = rx_st.run->proc->args;
+  const rx_run& run = *rx_st.run;
+  const std::vector<rx_arg>& args = run.proc->args;
   if (!c.has(0)) {
     if (c.has(1)) bu_error(c, 0, "ARG(): argument 1 missing.");
     return bu_whole(static_cast<long long>(args.size()));
   }
   long n = bu_int(c, 0, 1, 0);
-  if (n == 0) throw rx_unavailable{"ARG(0), the program's command string,"};
-  auto i = static_cast<std::size_t>(n - 1);
-  bool exists = i < args.size() && !args[i].omitted;
-  if (!c.has(1)) return rx_value::string(exists ? args[i].text : std::string());
+  auto i = static_cast<std::size_t>(n > 0 ? n - 1 : 0);
+  bool exists = n == 0 || (i < args.size() && !args[i].omitted);
+  if (!c.has(1)) {
+    if (n == 0) return rx_value::string(run.command);
+    return rx_value::string(exists ? args[i].text : std::string());
+  }
   std::string_view o = c.str(1, 1);
   char k = o.empty() ? ' ' : static_cast<char>(is_upper(static_cast<unsigned char>(o[0])) ? o[0] + 32 : o[0]);
   if (k == 'e') return bu_whole(exists ? 1 : 0);
   if (k == 'o') return bu_whole(exists ? 0 : 1);
-  if (k == 'c' || k == 'x') throw rx_unavailable{"ARG(n,'c') and ARG(n,'x'), the program's command line,"};
-  bu_error(c, 1, "ARG(): argument 2 must be \"e\", \"o\" , \"c\" or \"x\"");
+  if (k != 'c' && k != 'x') bu_error(c, 1, "ARG(): argument 2 must be \"e\", \"o\" , \"c\" or \"x\"");
+  // The command line belongs to the program: a routine has only its arguments.
+  if (run.proc->caller) bu_error(c, 1, "ARG(): argument 2 must be \"e\" or \"o\"");
+  if (k == 'c' || run.command_words) return rx_value::string(command_word(run.command, n));
+  return rx_value::string(n == 0 ? run.command : exists ? args[i].text : std::string());
+}
+
+namespace {
+
+const char* const condition_names[] = {"ERROR", "FAILURE", "HALT", "NOVALUE", "SYNTAX", "NOTREADY"};
+
+// The lines of a program's text: line n (from 1), or the count when n is 0.
+std::size_t line_count(std::string_view src) {
+  if (src.empty()) return 0;
+  std::size_t n = 0;
+  for (char ch : src)
+    if (ch == '\n') ++n;
+  return src.back() == '\n' ? n : n + 1;
+}
+
+std::string_view nth_line(std::string_view src, std::size_t n) {
+  std::size_t at = 0;
+  for (std::size_t k = 1; k < n; ++k) at = src.find('\n', at) + 1;
+  std::size_t end = src.find('\n', at);
+  std::string_view line = src.substr(at, end == std::string_view::npos ? std::string_view::npos : end - at);
+  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  return line;
+}
+
+}  // namespace
+
+rx_value bu_condition(bu_call& c) {
+  bu_count_msg(c, 0, 1, "up to 1 argument.");
+  char k = 'I';
+  if (c.has(0)) {
+    std::string_view o = c.str(0);
+    k = o.empty() ? ' ' : static_cast<char>(is_lower(static_cast<unsigned char>(o[0])) ? o[0] - 32 : o[0]);
+    if (k != 'C' && k != 'I' && k != 'D' && k != 'S') bu_error(c, 0, "CONDITION(): argument must be C|I|D|S.");
+  }
+  const rx_proc& p = *rx_st.run->proc;
+  if (p.pending_cond < 0 || p.pending_cond >= RX_C_NONE) return rx_value::string("");
+  switch (k) {
+    case 'C': return rx_value::string(condition_names[p.pending_cond]);
+    case 'D': return rx_value::string(p.cond_desc);
+    case 'S': {
+      int state = p.cond[static_cast<std::size_t>(p.pending_cond)];
+      return rx_value::string(state == -2 ? "DELAY" : state == 0 ? "OFF" : "ON");
+    }
+    default: return rx_value::string(p.cond_how == 2 ? "CALL" : "SIGNAL");
+  }
+}
+
+rx_value bu_sourceline(bu_call& c) {
+  bu_count_msg(c, 0, 1, "up to 1 argument.");
+  const rx_run& run = *rx_st.run;
+  std::string_view src = run.cur_prog ? run.cur_prog->source : run.prog->source;
+  std::size_t count = line_count(src);
+  if (!c.has(0)) return bu_whole(static_cast<long long>(count));
+  auto n = static_cast<std::size_t>(bu_int(c, 0, 2, 1));
+  if (n > count)
+    bu_error(c, 0, "SOURCELINE(): argument 1 must not exceed the program's " + std::to_string(count) + " lines.");
+  return rx_value::string(nth_line(src, n));
+}
+
+rx_value bu_trace(bu_call& c) {
+  bu_count_msg(c, 0, 1, "up to 1 argument.");
+  rx_value old = rx_value::string(rx_trace_letters());
+  if (c.has(0)) {
+    std::string setting(c.str(0));
+    if (!rx_trace_set(setting)) bu_error(c, 0, "TRACE(): Invalid \"" + setting + "\" trace setting.");
+  }
+  return old;
 }
 
 namespace {
@@ -167,4 +259,14 @@ rx_value bu_value(bu_call& c) {
   rx_value old = now ? *now : rx_value::string(rx_default_text(ctx, sym));
   if (c.has(1)) rx_assign(ctx, sym, std::move(c.v[1]));
   return old;
+}
+
+rx_value bu_linesize(bu_call& c) {
+  bu_count(c, 0, 0);
+  return bu_whole(os_tty_columns());
+}
+
+rx_value bu_externals(bu_call& c) {
+  bu_count(c, 0, 0);
+  return bu_whole(os_tty_pending());
 }

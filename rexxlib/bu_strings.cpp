@@ -110,6 +110,29 @@ rx_value bu_upper(bu_call& c) {
   return rx_value::string(s);
 }
 
+namespace {
+
+// The word characters for UPPERW: letters, digits, "_", and every byte from 128 (so that the letters of a
+// multi-byte character never start a word).
+bool word_char(unsigned char ch) {
+  return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') || (ch >= '0' && ch <= '9') || ch == '_' || ch >= 128;
+}
+
+}  // namespace
+
+rx_value bu_upperw(bu_call& c) {
+  bu_count(c, 1, 1);
+  std::string s(c.str(0));
+  bool at_start = true;
+  for (char& ch : s) {
+    auto b = static_cast<unsigned char>(ch);
+    if (b >= 'A' && b <= 'Z') ch = static_cast<char>(b + 32);
+    if (at_start && ch >= 'a' && ch <= 'z') ch = static_cast<char>(ch - 32);
+    at_start = !word_char(b);
+  }
+  return rx_value::string(s);
+}
+
 rx_value bu_lower(bu_call& c) {
   bu_count(c, 1, 1);
   std::string s(c.str(0));

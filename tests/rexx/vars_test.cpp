@@ -121,3 +121,79 @@ TEST(RexxVars, NamesFromText) {
   EXPECT_EQ(n.parts[1], "CD");
   EXPECT_EQ(rx_symbol_of("ab", 0).value, "ab");
 }
+
+// One token used again and again, as a program's loop uses it: what it remembers (its tails' slots, its stem's
+// slot, a simple symbol's slot) must follow the pool it is used in and the values of its tails.
+TEST(RexxVars, ATokenUsedAgainFollowsItsPoolAndItsTails) {
+  pools p;
+  rx_var_ctx c = p.ctx();
+  const rx_node tok = rx_symbol_of("a.i.j", 1);
+  rx_assign_name(c, "J", rx_value::string("x"));
+  for (int i = 1; i <= 3; ++i) {
+    rx_assign_name(c, "I", rx_value::number(i, 0));
+    rx_assign(c, tok, rx_value::number(i * 10, 0));
+  }
+  rx_assign_name(c, "I", rx_value::number(2, 0));
+  std::string name;
+  rx_derive_name(c, tok, name);
+  EXPECT_EQ(name, "A.2.x");
+  EXPECT_EQ(rx_get(c, tok)->num, 20);
+  rx_var* by_name = p.main.find("A.2.x", rx_name_hash("A.2.x"));  // the name's hash, however it was made
+  ASSERT_NE(by_name, nullptr);
+  EXPECT_EQ(by_name->value.num, 20);
+  rx_drop(c, rx_symbol_of("j", 1));  // the tail is its own name again
+  rx_derive_name(c, tok, name);
+  EXPECT_EQ(name, "A.2.J");
+  EXPECT_EQ(rx_get(c, tok), nullptr);
+  rx_assign_name(c, "A.", rx_value::string("dflt"));  // an unset element gives the stem's value
+  EXPECT_EQ(rx_get(c, tok)->text, "dflt");
+
+  // The same token in a routine's pool that exposes the stem, then in one that does not.
+  rx_pool shared(&p.main), own(&p.main);
+  rx_var_ctx in_shared = c, in_own = c;
+  in_shared.pool = &shared;
+  in_own.pool = &own;
+  rx_expose(in_shared, rx_symbol_of("a.", 1));
+  rx_assign_name(in_shared, "I", rx_value::number(1, 0));
+  rx_assign_name(in_own, "I", rx_value::number(1, 0));
+  rx_assign_name(in_shared, "J", rx_value::string("x"));
+  rx_assign_name(in_own, "J", rx_value::string("x"));
+  ASSERT_NE(rx_get(in_shared, tok), nullptr);
+  EXPECT_EQ(rx_get(in_shared, tok)->text, "dflt");  // A. = 'dflt' dropped A.1.x
+  rx_assign(in_shared, tok, rx_value::string("from routine"));
+  EXPECT_EQ(rx_get(in_own, tok), nullptr);
+  rx_assign_name(c, "I", rx_value::number(1, 0));
+  rx_assign_name(c, "J", rx_value::string("x"));
+  EXPECT_EQ(rx_get(c, tok)->text, "from routine");
+  rx_assign(in_own, tok, rx_value::string("local"));
+  EXPECT_EQ(rx_get(c, tok)->text, "from routine");
+  EXPECT_EQ(rx_get(in_own, tok)->text, "local");
+  EXPECT_EQ(rx_get(in_shared, tok)->text, "from routine");
+
+  // A simple symbol assigned as text (PARSE's road) in two pools by one token.
+  const rx_node v = rx_symbol_of("v", 1);
+  rx_assign_text(c, v, "main");
+  rx_assign_text(in_own, v, "own");
+  rx_assign_text(c, v, "main again");
+  EXPECT_EQ(value_of(c, "v"), "main again");
+  EXPECT_EQ(value_of(in_own, "v"), "own");
+  rx_expose(in_shared, rx_symbol_of("v", 1));
+  rx_assign_text(in_shared, v, "through exposure");
+  EXPECT_EQ(value_of(c, "v"), "through exposure");
+  rx_assign_text(in_shared, v, "and again");  // now remembered in that pool: still passed through
+  EXPECT_EQ(value_of(c, "v"), "and again");
+}
+
+TEST(RexxVars, TextSetFromItsOwnBytes) {
+  for (std::string start : {std::string("abcdef"), std::string(100, 'q') + "tail"}) {
+    rx_value v = rx_value::string(start);
+    v.set_text(std::string_view(v.text).substr(0, 3));
+    EXPECT_EQ(v.text, start.substr(0, 3));
+    v = rx_value::string(start);
+    v.set_text(std::string_view(v.text).substr(2));
+    EXPECT_EQ(v.text, start.substr(2));
+    v.set_text("other");
+    EXPECT_EQ(v.text, "other");
+    EXPECT_EQ(v.kind, RX_STR);
+  }
+}

@@ -1,0 +1,3 @@
+/* What a new session finds. */
+trace off
+'globalv list w s p pl i'
