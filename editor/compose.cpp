@@ -2,12 +2,14 @@
 #include "editor/compose.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <string>
 #include <vector>
 
 #include "editor/prefix.h"
 #include "editor/ring.h"
+#include "editor/select.h"
 #include "editor/state.h"
 #include "screen/fs.h"
 
@@ -180,9 +182,16 @@ struct view_composer {
     int32_t shown = std::min(cells, room);
     r.cells = shown;
     if (shown > 0) ascput(r.data_field, shown, f.text[line].get() + vf.first_col);
-    if (cells > room) {  // the mark that the line has more than is seen: its last cell in reverse
+    int32_t sel_from = 0, sel_to = 0;
+    const bool selected = room > 0 && xf_sel_span(xf_ring.file_no, line, sel_from, sel_to);
+    if (cells > room || selected) {
       std::vector<int> h(static_cast<std::size_t>(room), 0);
-      h.back() = 2;
+      if (selected) {  // the selected cells in reverse; a line end that is selected shows as one cell more
+        int64_t end = sel_to == INT_MAX ? int64_t{f.len[line]} + 1 : int64_t{sel_to};
+        for (int64_t k = std::max<int64_t>(0, sel_from - vf.first_col); k < std::min<int64_t>(room, end - vf.first_col); ++k)
+          h[static_cast<std::size_t>(k)] = 2;
+      }
+      if (cells > room) h.back() = 2;  // the mark that the line has more than is seen: its last cell in reverse
       aschlt(r.data_field, room, h.data());
     }
     table.push_back(r);

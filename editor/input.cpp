@@ -361,6 +361,7 @@ void xfread(std::string_view work_dir) {
       case ASR_QUIT: quit_read();
       case ASR_FOCUS_IN: case ASR_FOCUS_OUT: case ASR_MOVED: case ASR_TIMEOUT: case ASR_PFK_UP: case ASR_KEY_UP:
       case ASR_L_KEY_UP: case ASR_BUTTON_UP:
+        if (kind == ASR_BUTTON_UP) xf_mouse_release();
         // The library hands changed fields over once: what this read reports is taken in now, and the screen
         // composed again, since a typed empty row may have made lines.
         if (nmod > 0) {

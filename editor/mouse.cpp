@@ -12,6 +12,8 @@
 #include "editor/input.h"
 #include "editor/messages.h"
 #include "editor/ring.h"
+#include "editor/select.h"
+#include "editor/select_make.h"
 #include "editor/state.h"
 #include "screen/as_read.h"
 #include "screen/fs.h"
@@ -106,6 +108,96 @@ bool make_current(const xf_view& v, const xf_view_fields& vf, int32_t line) {
   return true;
 }
 
+// The screen again, the fields as typed taken in first; the read goes on.
+bool redraw() {
+  xf_compose();
+  return false;
+}
+
+// The selection changed at a cell of a line: the cursor goes there and the screen shows it; the read goes on.
+bool show_at(const xf_place& at) {
+  xf_place p = at;
+  p.kind = XP_LINE;
+  xf_set_cursor_place(p);
+  xf_cursor_to_line(at.line, at.column);
+  return redraw();
+}
+
+// Button 1 and 2 on a text row (a file line, or an empty row below the end, which stands for the last line).
+bool text_press(const xf_place& at, int button, bool press, const modifiers& m) {
+  const int32_t mode = xf_mouse_mode();
+  const bool openlook = mode == XM_OPENLOOK || mode == XM_OPENLOOK_WHEEL;
+  xf_place cell = at;
+  if (cell.kind == XP_BELOW) {
+    cell.kind = XP_LINE;
+    cell.line = xf_ring.file->size - 1;
+  }
+  cell.line = std::clamp(cell.line, 0, xf_ring.file->size - 1);
+  const int32_t l1 = cell.line + 1, c1 = std::max(0, cell.column) + 1;
+  if (press && button == 1) xf_mouse.rect_press = m.meta || m.ctrl;
+  // Meta (or Ctrl, which terminals pass more often) makes a block; a drag goes on as its press began.
+  const bool rect = m.meta || m.ctrl || (!press && xf_mouse.rect_press);
+  const int32_t unit = std::clamp(xf_mouse.count, 1, 3);
+  // These extending presses begin a selection that has none yet by whole lines.
+  const bool lines_first = press && m.shift &&
+                           ((button == 2 && mode == XM_OPENLOOK) || (button == 1 && mode == XM_OPENLOOK_WHEEL));
+  auto extend = [&](int32_t by) {
+    xf_store_changes();
+    if (!xf_sel_in_view()) {
+      if (lines_first) {
+        xf_sel_start(l1, c1, rect ? XS_RECT_PENDING : XS_LINEAR_PENDING, 3);
+        return show_at(cell);
+      }
+      // No selection yet: it grows from where the button came down, or from the cursor.
+      if (xf_mouse.anchor_line >= 0) {
+        xf_sel_start(xf_mouse.anchor_line + 1, xf_mouse.anchor_col + 1, rect ? XS_RECT_PENDING : XS_LINEAR_PENDING, by);
+      } else {
+        const xf_place& c = xf_cursor_place();
+        if (c.kind != XP_LINE || c.line < 0 || c.line >= xf_ring.file->size) {
+          xf_sel_start(l1, c1, rect ? XS_RECT_PENDING : XS_LINEAR_PENDING, by);
+          return show_at(cell);
+        }
+        xf_sel_start(c.line + 1, c.column + 1, rect ? XS_RECT_PENDING : XS_LINEAR_PENDING, by);
+      }
+    }
+    xf_sel_extend(l1, c1, by, rect);
+    return show_at(cell);
+  };
+  if (button == 1) {
+    if (press && !m.shift) {
+      xf_store_changes();
+      xf_mouse.anchor_line = cell.line;
+      xf_mouse.anchor_col = cell.column;
+      if (unit == 1) {
+        // A single press anchors here; the selection is made when the mouse moves with the button down.
+        xf_sel_end();
+        return show_at(cell);
+      }
+      xf_sel_start(l1, c1, rect ? XS_RECT_PENDING : XS_LINEAR_PENDING, unit);
+      return show_at(cell);
+    }
+    if (!press && openlook && !m.shift) return false;
+    if (m.shift && ((mode == XM_OPENLOOK && press) || (mode == XM_OPENLOOK_WHEEL && m.ctrl))) {
+      xf_mouse_release();
+      return redraw();
+    }
+    return extend(press ? 1 : unit);
+  }
+  if (button != 2 || !press) return false;
+  if (openlook || !m.none()) return extend(1);
+  // Button 2 pastes the selection's text at the cell, as a block for a block.
+  if (!xf_sel_active()) return false;
+  xf_store_changes();
+  if (!xf_ring.file->read_write) {
+    xf_msg(118, XF_MSG_ERROR);
+    return true;
+  }
+  xf_shelf_state saved = xf_sel.shelf;
+  if (xf_sel_copy(false)) xf_shelf_paste(cell.line, cell.column, !asqinsert());
+  xf_sel.shelf = saved;
+  return true;
+}
+
 }  // namespace
 
 void xf_mouse_reset() { xf_mouse = xf_mouse_state{}; }
@@ -150,7 +242,11 @@ bool xf_mouse_event(int kind, int button, std::string_view work_dir) {
   }
 
   if (button == 3) {
-    if (!press || m.ctrl) return false;  // Ctrl ends a selection: none is ever made yet
+    if (press && m.ctrl) {
+      xf_sel_end();
+      return redraw();
+    }
+    if (!press) return false;
     if (m.shift) return make_current(v, vf, line);
     return false;  // the page's popup: the editor sets none
   }
@@ -180,18 +276,30 @@ bool xf_mouse_event(int kind, int button, std::string_view work_dir) {
                          col >= v.left && col < v.left + vf.prefix_width && (id <= 0 || id != vf.message_field);
   if (in_prefix || at.kind == XP_PREFIX) {
     if (prefix_press) return cursor_to(line, col);
-    if (!press) return button == 1 && xf_mouse.prefix_drag ? cursor_to(line, col) : false;
+    if (!press && button == 1 && xf_mouse.prefix_drag && at.kind == XP_PREFIX && xf_mouse.anchor_line >= 0 &&
+        at.line >= 0 && at.line < xf_ring.file->size) {
+      // A drag down the prefix area takes whole lines, from the line of the press to this one.
+      xf_store_changes();
+      if (!xf_sel_in_view()) xf_sel_start(xf_mouse.anchor_line + 1, 1, XS_LINEAR_PENDING, 3);
+      xf_sel_extend(at.line + 1, 1, 3, false);
+      return redraw();
+    }
+    if (!press) return false;
     if (button != 1 && button != 2) return false;
     int k = m.shift ? 0 : m.ctrl ? 1 : m.meta ? 2 : 3;
     return run({kPrefixCommands[button - 1][k]}, work_dir);
   }
   const bool text_row = at.kind == XP_LINE || at.kind == XP_BELOW || at.kind == XP_ABOVE || at.kind == XP_TOF;
   if (!text_row) return false;
-  // Text rows. A selection would begin or grow here; until selections exist the cursor goes to the cell.
-  if (button == 1) return cursor_to(line, col);
-  const int32_t mode = xf_mouse_mode();
-  if (mode == XM_OPENLOOK || mode == XM_OPENLOOK_WHEEL || !m.none()) return cursor_to(line, col);
-  return false;  // button 2 pastes the selection's text at the cell, and there is no selection
+  if (at.kind == XP_ABOVE || at.kind == XP_TOF || xf_ring.file->size == 0 ||
+      (at.kind == XP_BELOW && press && button == 1 && m.none() && xf_mouse.count == 1))
+    return button == 1 ? cursor_to(line, col) : false;
+  return text_press(at, button, press, m);
+}
+
+void xf_mouse_release() {
+  if (xf_sel_active() && (xf_sel.sel.kind == XS_LINEAR_PENDING || xf_sel.sel.kind == XS_RECT_PENDING))
+    xf_sel.sel.kind -= 1;
 }
 
 // MOUSEMode motif|openlook|openlookw|fullmotif|windows; with no operand it reports.

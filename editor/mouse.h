@@ -15,7 +15,9 @@ struct xf_mouse_state {
   uint64_t last_us = 0;         // time and screen cell of the last press
   int32_t last_line = 0, last_col = 0;
   bool prefix_drag = false;     // button 1 came down on a prefix field: a drag is to take whole lines
-  int32_t anchor_line = -1;     // the line of that press
+  int32_t anchor_line = -1;     // the 0-based line of the last press of button 1 in the file (or prefix) area
+  int32_t anchor_col = 0;       // and its 0-based column: a drag makes the selection from there
+  bool rect_press = false;      // and came down with Meta or Ctrl: its drag makes a block
 };
 extern xf_mouse_state xf_mouse;
 
@@ -28,3 +30,5 @@ int32_t xf_click_count(int32_t line, int32_t col, uint64_t us);
 // Serves a press, drag (ASR_BUTTON, ASR_DRAG with the button) or wheel event of the read. True when commands
 // ran and the read is to end without the Enter definition; false when it was served and the read goes on.
 bool xf_mouse_event(int kind, int button, std::string_view work_dir);
+// The button went up: a selection that was being made is finished.
+void xf_mouse_release();

@@ -10,6 +10,7 @@
 #include "editor/input.h"
 #include "editor/messages.h"
 #include "editor/ring.h"
+#include "editor/select.h"
 #include "editor/state.h"
 #include "screen/as_read.h"
 #include "screen/fs.h"
@@ -84,8 +85,15 @@ void new_first_line() {
   xf_current_line() += 1;
 }
 
-// Pastes at a place of the screen; false (with the message) when the place takes no paste.
-bool paste_at(const xf_place& at, std::string_view text, bool overlay) {
+// Pastes at a place of the screen: `text`, or the shelf with its flags when `shelf`; false (with the message)
+// when the place takes no paste.
+bool paste_at(const xf_place& at, std::string_view text, bool overlay, bool shelf = false) {
+  auto put = [&](int32_t line, int32_t column) {
+    if (shelf)
+      xf_shelf_paste(line, column, overlay);
+    else
+      xf_paste_linear(line, column, text, overlay);
+  };
   if (at.kind == XP_CMD) {
     into_command_line(at, text, overlay);
     return true;
@@ -95,15 +103,15 @@ bool paste_at(const xf_place& at, std::string_view text, bool overlay) {
   switch (at.kind) {
     case XP_LINE:
       if (at.line < 0 || at.line >= f.size || (xf_ring.view->scope == 0 && !xf_in_scope(at.line))) break;
-      xf_paste_linear(at.line, at.column, text, overlay);
+      put(at.line, at.column);
       return true;
     case XP_BELOW:
       fill_to(at.line);
-      xf_paste_linear(at.line, at.column, text, overlay);
+      put(at.line, at.column);
       return true;
     case XP_TOF:
       new_first_line();
-      xf_paste_linear(0, std::max(0, at.column), text, overlay);
+      put(0, std::max(0, at.column));
       return true;
     default: break;
   }
@@ -181,10 +189,12 @@ void xf_paste_event(std::string_view text) {
   if (!paste_at(at, text, overlay)) fsalrm();
 }
 
-// S_Paste [i|o] [p|c|s] [line column]: the clipboard's text at the position, inserted or overlaid.
+// S_Paste [i|o] [p|c|s] [line column]: the shelf at the position, inserted or overlaid; the clipboard comes into
+// the shelf first unless this program owns it; with p the selection is copied first.
 int xfcm_s_paste(const xf_cmd_call& c) {
   std::vector<std::string> w = xf_tokens(c.text);
   int overlay = -1;  // the keyboard's insert state decides
+  bool primary = false;
   std::vector<int32_t> numbers;
   bool bad_number = false;
   for (std::size_t i = 1; i < w.size(); ++i) {
@@ -199,7 +209,8 @@ int xfcm_s_paste(const xf_cmd_call& c) {
     switch (word[0]) {
       case 'i': overlay = 0; break;
       case 'o': overlay = 1; break;
-      case 'p': case 'c': case 's': break;  // no selection is ever made yet: every source is the clipboard
+      case 'p': primary = true; break;
+      case 'c': case 's': primary = false; break;
       default:
         xf_msg_text("..... Invalid parameters", XF_MSG_ERROR);
         rc = 1;
@@ -212,10 +223,7 @@ int xfcm_s_paste(const xf_cmd_call& c) {
     rc = 5;
     return 1;
   }
-  if (!xf_paste.have_clip) {
-    xf_msg(199, XF_MSG_INFO);
-    return 1;
-  }
+  if (!(primary && xf_sel_copy()) && xf_shelf_take_clipboard() != 1) return 1;
   if (overlay < 0) overlay = asqinsert() ? 0 : 1;
   xf_place at;
   if (numbers.size() == 2) {
@@ -223,9 +231,14 @@ int xfcm_s_paste(const xf_cmd_call& c) {
     at.view = std::max(0, xf_ring.view_no);
     at.line = numbers[0] - 1;
     at.column = numbers[1] - 1;
-  } else if (!xf_run.batch) {
+  } else if (!xf_run.batch || xf_cursor_place().kind != XP_NONE) {
     at = xf_cursor_place();
   }
-  if (paste_at(at, xf_paste.clip, overlay == 1)) rc = 0;
+  if (at.kind != XP_CMD && xf_ring.file && !xf_ring.file->read_write) {
+    xf_msg(118, XF_MSG_ERROR);
+    rc = 1;
+    return 1;
+  }
+  if (paste_at(at, xf_shelf_text(), overlay == 1, true)) rc = 0;
   return 1;
 }

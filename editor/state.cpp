@@ -12,6 +12,7 @@
 #include "editor/regex.h"
 #include "editor/screens.h"
 #include "editor/session.h"
+#include "editor/select.h"
 #include "editor/linecmds.h"
 #include "editor/ring.h"
 #include "editor/target.h"
@@ -37,5 +38,6 @@ void xf_state_reset() {
   xf_small_reset();
   xf_screens_reset();
   xf_session_reset();
+  xf_select_reset();
   xf_msgs = xf_msg_state{};
 }
