@@ -16,6 +16,7 @@
 #include "editor/state.h"
 #include "editor/target.h"
 #include "editor/trace.h"
+#include "rexx/paloma.h"
 
 xf_cmd_state xf_cmd;
 
@@ -353,9 +354,7 @@ bool xfcom(std::string_view work_dir) {
     xfcom1(cmd, work_dir);
     return true;
   }
-  if (!xf_run.rexx_stack.empty()) {
-    std::string cmd = std::move(xf_run.rexx_stack.front());
-    xf_run.rexx_stack.pop_front();
+  if (std::string cmd; paloma_queue_pull(cmd)) {
     xf_history_add(cmd);
     xfcom1(cmd, work_dir);
     return true;

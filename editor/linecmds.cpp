@@ -16,6 +16,7 @@
 #include "editor/trace.h"
 #include "os/os_file.h"
 #include "os/os_save.h"
+#include "rexx/paloma.h"
 
 xf_linecmd_state xf_lcmd;
 
@@ -632,7 +633,7 @@ int stack(const xf_cmd_call& c) {
   if (!range_of(t, r)) return 1;
   xf_file& f = file();
   if (r.distance == 0) {
-    xf_run.rexx_stack.emplace_back();
+    paloma_queue_add("");
     return 1;
   }
   for (int32_t l : scoped_lines(r.first, r.last)) {
@@ -641,7 +642,7 @@ int stack(const xf_cmd_call& c) {
     if (f.trunc > 0 && static_cast<int32_t>(s.size()) > f.trunc) s = s.substr(0, f.trunc);
     std::string_view part = static_cast<int32_t>(s.size()) >= col ? s.substr(col - 1) : std::string_view();
     if (n >= 0 && static_cast<int32_t>(part.size()) > n) part = part.substr(0, n);
-    xf_run.rexx_stack.emplace_back(part);
+    paloma_queue_add(std::string(part));
   }
   return 1;
 }

@@ -29,6 +29,7 @@
 #include "rexxlib/support.h"
 #include "screen/fs.h"
 #include "screen/host/term_host.h"
+#include "rexx/paloma.h"
 
 namespace {
 
@@ -324,13 +325,13 @@ int tolva_main(int argc, char** argv) {
   if (o.profile_choice != 0 && !run_profile(o, env)) return 1;
   timing_mark("profile");
   if (!flist_start)
-    for (const std::string& f : o.files) xf_run.rexx_stack.push_back("xed \"" + f + "\"");
-  for (const std::string& c : o.commands) xf_run.rexx_stack.push_back(c);
+    for (const std::string& f : o.files) paloma_queue_add("xed \"" + f + "\"");
+  for (const std::string& c : o.commands) paloma_queue_add(c);
   if (!o.filec.empty()) {
     std::string_view base = os_base_name(o.filec);
     bool has_ext = base.find('.') != std::string_view::npos;
-    xf_run.rexx_stack.push_back("hash " + o.filec + (has_ext ? "" : ".tolva"));
-    xf_run.rexx_stack.push_back(o.filec);
+    paloma_queue_add("hash " + o.filec + (has_ext ? "" : ".tolva"));
+    paloma_queue_add(o.filec);
   }
   if (!xf_run.batch) xfx(xf_run.work_dir);
   while (true) {

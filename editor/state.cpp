@@ -16,6 +16,7 @@
 #include "editor/linecmds.h"
 #include "editor/ring.h"
 #include "editor/target.h"
+#include "rexx/paloma.h"
 
 xf_run_state xf_run;
 xf_settings xf_set;
@@ -40,4 +41,5 @@ void xf_state_reset() {
   xf_session_reset();
   xf_select_reset();
   xf_msgs = xf_msg_state{};
+  paloma_queue_clear();
 }

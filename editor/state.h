@@ -17,7 +17,6 @@ struct xf_run_state {
   std::vector<std::string> saved_argv;
   std::vector<std::string> profile_args;
   std::deque<std::string> stacked;     // commands waiting to run, first in first out
-  std::deque<std::string> rexx_stack;  // the REXX program stack, as far as the editor needs it
   int32_t crashing = 0;
   int32_t too_small = 0;
   int32_t profile_running = 0;

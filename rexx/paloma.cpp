@@ -148,3 +148,9 @@ std::string paloma_source_text(std::string_view path) {
   auto item = [](std::string_view s) { return s.empty() ? std::string("\"\"") : std::string(s); };
   return "LINUX COMMAND " + item(base) + " " + item(ext) + " " + item(dir) + " " + item(base);
 }
+
+void paloma_queue_add(std::string line) { rx_queue_add(std::move(line)); }
+void paloma_queue_push(std::string line) { rx_queue_push(std::move(line)); }
+bool paloma_queue_pull(std::string& line) { return rx_queue_pull(line); }
+std::size_t paloma_queue_count() { return rx_queue_size(); }
+void paloma_queue_clear() { rx_queue_clear(); }

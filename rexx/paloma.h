@@ -56,5 +56,14 @@ std::string paloma_dump_tokens(const paloma_program& prog);
 using paloma_env_handler = int (*)(std::string_view command, void* user);
 void paloma_register_environment(std::string_view name, paloma_env_handler handler, bool make_current, void* user);
 
+// The program stack that PUSH, QUEUE and PULL work on, shared by every run and by the host (the editor runs its
+// lines as commands): add puts a line at the tail, push at the head, pull takes the head of the current buffer.
+void paloma_queue_add(std::string line);
+void paloma_queue_push(std::string line);
+bool paloma_queue_pull(std::string& line);
+std::size_t paloma_queue_count();
+// Empties the stack and drops its buffers.
+void paloma_queue_clear();
+
 // The fixed text of error n (1 to 98), "" for unused numbers.
 const char* paloma_error_text(int n);

@@ -9,6 +9,7 @@
 #include "editor/linecmds.h"
 #include "editor/target.h"
 #include "tests/editor/test_support.h"
+#include "rexx/paloma.h"
 
 using lines = std::vector<std::string>;
 
@@ -224,7 +225,9 @@ TEST(LineStackPutGet, BufferFilesAndErrors) {
   numbered(4);
   run(":2");
   run("stack 2 1 1");
-  EXPECT_EQ(xf_run.rexx_stack, (std::deque<std::string>{"2", "3"}));
+  std::vector<std::string> stacked;
+  for (std::string l; paloma_queue_pull(l);) stacked.push_back(l);
+  EXPECT_EQ(stacked, (std::vector<std::string>{"2", "3"}));
   EXPECT_EQ(run("stack 1 x"), 5);
   EXPECT_EQ(last_msg(), "..... Invalid Operand: \"1 x\"");
   run("put 2");
