@@ -509,11 +509,19 @@ bool bu_search(const rx_node* name, const rx_node* args, rx_value& out) {
   // Variables are read in place only when no later argument can run code that changes them and the handler
   // writes no variable itself; constants never change.
   bool lend_vars = rx_st.run->proc->cond[RX_C_NOVALUE] != 2 && pure_args(name, args) && reads_only(row);
+  // SORT and PARG name a stem: a plain symbol there is its name and is not evaluated, so that an unset stem
+  // raises no NOVALUE.
+  std::string_view called = upper_name(row);
+  std::size_t stem_arg = called == "SORT" ? 0 : called == "PARG" ? 2 : static_cast<std::size_t>(-1);
   std::size_t i = 0;
   for (const rx_node* a = args; a; a = a->next, ++i) {
     if (a->type == VIDE) continue;
     bu_values::entry& e = c.v.slot(i);
     e.present = true;
+    if (i == stem_arg && a->type == SYMBOL && a->has_value) {
+      e.own = rx_value::string(a->value);
+      continue;
+    }
     const rx_value& got = rx_eval(a, e.own);
     if (&got == &e.own) continue;
     if (a->type == STRING || lend_vars)
