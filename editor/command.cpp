@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <csignal>
 
+#include "editor/autosave.h"
 #include "editor/cmdtable.h"
 #include "editor/handlers.h"
 #include "editor/input.h"
@@ -352,11 +353,13 @@ bool xfcom(std::string_view work_dir) {
     std::string cmd = std::move(xf_run.stacked.front());
     xf_run.stacked.pop_front();
     xfcom1(cmd, work_dir);
+    xf_autosave_round();
     return true;
   }
   if (std::string cmd; paloma_queue_pull(cmd)) {
     xf_history_add(cmd);
     xfcom1(cmd, work_dir);
+    xf_autosave_round();
     return true;
   }
   return false;

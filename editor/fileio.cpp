@@ -7,6 +7,7 @@
 #include <ctime>
 #include <vector>
 
+#include "editor/autosave.h"
 #include "editor/command.h"
 #include "editor/filetype.h"
 #include "editor/macros.h"
@@ -471,7 +472,7 @@ int xf_save(std::string_view, int force, int keep_date, int crlf, int, int verif
   f.saved_name = f.name;
   f.alt_save = 0;
   if (xf_set.save_clear_undo) xf_undo_clear(f);
-  f.alt_auto = 0;
+  xf_autosave_drop(f);
   if (keep_date && had) {
     os_set_times(f.name, before.atime, before.atime_ns, before.mtime, before.mtime_ns);
     f.mtime = before.mtime;

@@ -192,3 +192,5 @@ int xfcm_xshell(const xf_cmd_call& c);
 int xfcm_xshellmax(const xf_cmd_call& c);
 int xfcm_shellext(const xf_cmd_call& c);
 int xfcm_messagesdir(const xf_cmd_call& c);
+int xfcm_autosave(const xf_cmd_call& c);
+int xfcm_reload(const xf_cmd_call& c);

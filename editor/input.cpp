@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "editor/autosave.h"
 #include "editor/cmdtable.h"
 #include "editor/command.h"
 #include "editor/compose.h"
@@ -362,6 +363,8 @@ void xfread(std::string_view work_dir) {
       case ASR_FOCUS_IN: case ASR_FOCUS_OUT: case ASR_MOVED: case ASR_TIMEOUT: case ASR_PFK_UP: case ASR_KEY_UP:
       case ASR_L_KEY_UP: case ASR_BUTTON_UP:
         if (kind == ASR_BUTTON_UP) xf_mouse_release();
+        // Coming back to the window, files that something else changed on disk are read again.
+        if (kind == ASR_FOCUS_IN && xf_reload_sweep()) xf_compose();
         // The library hands changed fields over once: what this read reports is taken in now, and the screen
         // composed again, since a typed empty row may have made lines.
         if (nmod > 0) {
@@ -592,5 +595,6 @@ void xfx(std::string_view work_dir) {
     xf_compose();
     xfread(work_dir);
     xf_key_step(work_dir);
+    xf_autosave_round();
   }
 }

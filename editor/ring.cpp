@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "editor/emergency.h"
+#include "editor/state.h"
 #include "editor/trace.h"
 
 xf_ring_state xf_ring;
@@ -440,6 +441,7 @@ int32_t xf_new_view(int32_t top, int32_t left, int32_t height, int32_t width, in
 
 int32_t xf_new_file() {
   auto f = std::make_unique<xf_file>();
+  f->reload = xf_set.reload_default;
   f->file_id = xf_ring.next_file_id;
   xf_ring.next_file_id = xf_ring.next_file_id == 0x7fffffff ? 0 : xf_ring.next_file_id + 1;
   f->cursor.view = xf_ring.view_no;

@@ -88,6 +88,7 @@ struct xf_file {
   std::vector<int32_t> tabs;
   int32_t column = 0;
   int32_t alt_auto = 0;
+  int32_t alt_at_round = 0;  // alt_save when the autosave round last looked
   int32_t case_mode = 1;  // 0 mixed ignore, 1 mixed respect, 2 upper ignore, 3 upper respect
   int32_t read_write = 1;
   int64_t mtime = 0x7fffffff;

@@ -1,6 +1,7 @@
 // Program-wide editor state and its reset.
 #include "editor/state.h"
 
+#include "editor/autosave.h"
 #include "editor/cmds_small.h"
 #include "editor/command.h"
 #include "editor/filetype.h"
@@ -39,6 +40,7 @@ void xf_state_reset() {
   xf_small_reset();
   xf_screens_reset();
   xf_session_reset();
+  xf_autosave_reset();
   xf_select_reset();
   xf_msgs = xf_msg_state{};
   paloma_queue_clear();

@@ -64,6 +64,7 @@ struct xf_settings {
   int32_t backup_on = 1;
   std::string backup_suffix = "%";
   std::string backup_suffix_reload = "%";
+  int32_t reload_default = 1;  // RELoad of new files
   int32_t preserve_links = 0;
   int64_t limit = 0;
   int32_t last_files_on = 1;
