@@ -194,3 +194,4 @@ int xfcm_shellext(const xf_cmd_call& c);
 int xfcm_messagesdir(const xf_cmd_call& c);
 int xfcm_autosave(const xf_cmd_call& c);
 int xfcm_reload(const xf_cmd_call& c);
+int xfcm_filter(const xf_cmd_call& c);
