@@ -195,3 +195,6 @@ int xfcm_messagesdir(const xf_cmd_call& c);
 int xfcm_autosave(const xf_cmd_call& c);
 int xfcm_reload(const xf_cmd_call& c);
 int xfcm_filter(const xf_cmd_call& c);
+int xfcm_compile(const xf_cmd_call& c);
+int xfcm_nexterror(const xf_cmd_call& c);
+int xfcm_clearerrors(const xf_cmd_call& c);

@@ -73,16 +73,23 @@ int run_session(const xf_cmd_call& c, const char* shell_var) {
   std::string text(xf_trim(xf_operands(c.text)));
   if (text.empty()) return invalid(1);
   if (xf_run.batch || xf_ring.views.empty()) return 1;
+  xf_session_run(text, shell_var, xf_session_pick("xshell"));
+  return 1;
+}
+
+}  // namespace
+
+std::string xf_session_pick(std::string_view word) {
   std::string dir = session_dir();
-  std::string path;
-  for (int32_t i = 1; i <= xf_session.max_files && path.empty(); ++i) {
-    std::string candidate = dir + "/" + std::to_string(i) + ".xshell";
-    if (os_file_kind(candidate) == os_kind::none && ring_index_of(candidate) < 0) path = candidate;
+  for (int32_t i = 1; i <= xf_session.max_files; ++i) {
+    std::string candidate = dir + "/" + std::to_string(i) + "." + std::string(word);
+    if (os_file_kind(candidate) == os_kind::none && ring_index_of(candidate) < 0) return candidate;
   }
-  if (path.empty()) {
-    xf_session.counter = xf_session.counter % xf_session.max_files + 1;
-    path = dir + "/" + std::to_string(xf_session.counter) + ".xshell";
-  }
+  xf_session.counter = xf_session.counter % xf_session.max_files + 1;
+  return dir + "/" + std::to_string(xf_session.counter) + "." + std::string(word);
+}
+
+bool xf_session_run(const std::string& text, const char* shell_var, const std::string& path) {
   int32_t back_view = xf_ring.view_no;
   int32_t back_file = xf_ring.file_no;
   std::string back_name = xf_ring.file ? xf_ring.file->name : std::string();
@@ -98,7 +105,7 @@ int run_session(const xf_cmd_call& c, const char* shell_var) {
       break;
     }
   xf_set_view(shown_in);
-  if (xf_open(path, xf_run.work_dir, true) != 0 || !xf_ring.file) return 1;
+  if (xf_open(path, xf_run.work_dir, true) != 0 || !xf_ring.file) return false;
   xf_file& f = *xf_ring.file;
   if (f.size > 0) xfdel(0, f.size);
   xf_insert_read_lines(-1, {text, ""});
@@ -152,10 +159,8 @@ int run_session(const xf_cmd_call& c, const char* shell_var) {
   int32_t again = back_name.empty() ? -1 : ring_index_of(back_name);
   if (again >= 0) xf_set_file(again);
   else if (back_file < 0) xf_set_file(ring_index_of(path));
-  return 1;
+  return !killed;
 }
-
-}  // namespace
 
 void xf_session_reset() { xf_session = xf_session_state{}; }
 

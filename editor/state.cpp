@@ -4,6 +4,7 @@
 #include "editor/autosave.h"
 #include "editor/cmds_small.h"
 #include "editor/command.h"
+#include "editor/compile.h"
 #include "editor/filetype.h"
 #include "editor/find.h"
 #include "editor/macros.h"
@@ -41,6 +42,7 @@ void xf_state_reset() {
   xf_screens_reset();
   xf_session_reset();
   xf_autosave_reset();
+  xf_compile_reset();
   xf_select_reset();
   xf_msgs = xf_msg_state{};
   paloma_queue_clear();

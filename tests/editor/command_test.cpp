@@ -201,7 +201,7 @@ TEST(Command, MacroPrefixAndCommandPrefix) {
 
 TEST(Command, UnbuiltRowsSayNotImplemented) {
   fresh_editor();
-  EXPECT_EQ(run("compile"), 1);
+  EXPECT_EQ(run("help"), 1);
   EXPECT_EQ(last_msg(), "..... Not implemented");
   EXPECT_EQ(run("apl"), 0);  // a row that does nothing on purpose
 }
