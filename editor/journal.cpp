@@ -9,6 +9,7 @@
 #include "editor/messages.h"
 #include "editor/operands.h"
 #include "editor/ring.h"
+#include "editor/select.h"
 #include "editor/state.h"
 #include "editor/trace.h"
 
@@ -88,11 +89,18 @@ void run_again(xf_file& f, xf_jrecord& r) {
 
 
 
-// Undo and redo act in the view under the cursor, when that view shows a file.
+// Undo and redo act in the view under the cursor, when that view shows a file; what waits in its prefix area
+// goes, and the selection with it.
 void take_cursor_view() {
   int32_t v = xf_ring.read_view;
-  if (v < 0 || v == xf_ring.view_no || v >= static_cast<int32_t>(xf_ring.views.size())) return;
-  if (xf_ring.views[v]->current_file >= 0) xf_set_view(v);
+  if (v >= 0 && v != xf_ring.view_no && v < static_cast<int32_t>(xf_ring.views.size()) &&
+      xf_ring.views[v]->current_file >= 0)
+    xf_set_view(v);
+  if (xf_ring.file) {
+    xf_ring.file->prefix_pending_a.clear();
+    xf_ring.file->prefix_pending_b.clear();
+  }
+  xf_sel_end();
 }
 
 }  // namespace

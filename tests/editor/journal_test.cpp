@@ -4,6 +4,7 @@
 #include <random>
 
 #include "editor/journal.h"
+#include "editor/select.h"
 #include "editor/target.h"
 #include "tests/editor/test_support.h"
 
@@ -233,4 +234,17 @@ TEST(Journal, UndoAndRedoActInTheViewUnderTheCursor) {
   EXPECT_TRUE(xf_undo());
   EXPECT_EQ(xf_ring.view_no, 0);
   EXPECT_EQ(lines_of(*xf_ring.files[1]), (lines{"b"}));
+}
+
+TEST(Journal, UndoDropsWaitingPrefixCommandsAndTheSelection) {
+  fresh_editor();
+  file_with({"a", "b", "c"});
+  run(":1");
+  run("input x");
+  run("pending on d");
+  run("s_set linear nopending 1 1 1 *");
+  ASSERT_FALSE(xf_ring.file->prefix_pending_a.empty());
+  EXPECT_TRUE(xf_undo());
+  EXPECT_TRUE(xf_ring.file->prefix_pending_a.empty());
+  EXPECT_FALSE(xf_sel_active());
 }
