@@ -35,6 +35,23 @@ class spawn_attrs {
   posix_spawnattr_t attr_;
 };
 
+// Starts `/bin/sh -c text` with standard output and error on `out_fd` and, unless it is -1, standard input on
+// `in_fd`. Returns 0 or the spawn's error number.
+int spawn_shell(std::string_view text, int out_fd, int in_fd, pid_t& pid) {
+  posix_spawn_file_actions_t acts;
+  ::posix_spawn_file_actions_init(&acts);
+  ::posix_spawn_file_actions_adddup2(&acts, out_fd, 1);
+  ::posix_spawn_file_actions_adddup2(&acts, out_fd, 2);
+  if (in_fd >= 0) ::posix_spawn_file_actions_adddup2(&acts, in_fd, 0);
+  std::string cmd(text);
+  char sh[] = "/bin/sh", dash_c[] = "-c";
+  char* args[] = {sh, dash_c, cmd.data(), nullptr};
+  spawn_attrs attrs;
+  int rc = ::posix_spawn(&pid, sh, &acts, attrs.get(), args, environ);
+  ::posix_spawn_file_actions_destroy(&acts);
+  return rc;
+}
+
 int wait_for(pid_t pid) {
   int status = 0;
   while (::waitpid(pid, &status, 0) < 0) {
@@ -66,17 +83,8 @@ int os_run_capture(std::string_view text, std::string& out, std::size_t limit, b
   if (truncated) *truncated = false;
   int fds[2];
   if (::pipe2(fds, O_CLOEXEC) != 0) return -errno;
-  posix_spawn_file_actions_t acts;
-  ::posix_spawn_file_actions_init(&acts);
-  ::posix_spawn_file_actions_adddup2(&acts, fds[1], 1);
-  ::posix_spawn_file_actions_adddup2(&acts, fds[1], 2);
-  std::string cmd(text);
-  char sh[] = "/bin/sh", dash_c[] = "-c";
-  char* args[] = {sh, dash_c, cmd.data(), nullptr};
-  spawn_attrs attrs;
   pid_t pid = 0;
-  int rc = ::posix_spawn(&pid, sh, &acts, attrs.get(), args, environ);
-  ::posix_spawn_file_actions_destroy(&acts);
+  int rc = spawn_shell(text, fds[1], -1, pid);
   ::close(fds[1]);
   if (rc != 0) {
     ::close(fds[0]);
@@ -120,18 +128,8 @@ int os_child::start(std::string_view text, bool with_input) {
     ::close(out[1]);
     return e;
   }
-  posix_spawn_file_actions_t acts;
-  ::posix_spawn_file_actions_init(&acts);
-  ::posix_spawn_file_actions_adddup2(&acts, out[1], 1);
-  ::posix_spawn_file_actions_adddup2(&acts, out[1], 2);
-  if (with_input) ::posix_spawn_file_actions_adddup2(&acts, in[0], 0);
-  std::string cmd(text);
-  char sh[] = "/bin/sh", dash_c[] = "-c";
-  char* args[] = {sh, dash_c, cmd.data(), nullptr};
-  spawn_attrs attrs;
   pid_t pid = 0;
-  int rc = ::posix_spawn(&pid, sh, &acts, attrs.get(), args, environ);
-  ::posix_spawn_file_actions_destroy(&acts);
+  int rc = spawn_shell(text, out[1], with_input ? in[0] : -1, pid);
   ::close(out[1]);
   if (with_input) ::close(in[0]);
   if (rc != 0) {

@@ -219,3 +219,5 @@ rx_value bu_externals(bu_call&);
 // GLOBALV as a command to the default environment: true with its RC when `word` (lower case) is "globalv" and
 // OPTION NOGLOBALV is not in force; `rest` is the text behind the word.
 bool bu_globalv_command(std::string_view word, std::string_view rest, int32_t* rc);
+// A word of at most 9 decimal digits and nothing else, as a number.
+bool bu_digits(std::string_view w, long& out);

@@ -15,16 +15,7 @@ struct found_option {
 };
 
 // A word count: a whole number from 0.
-bool count_word(std::string_view w, long& out) {
-  if (w.empty() || w.size() > 9) return false;
-  long n = 0;
-  for (char ch : w) {
-    if (ch < '0' || ch > '9') return false;
-    n = n * 10 + (ch - '0');
-  }
-  out = n;
-  return true;
-}
+bool count_word(std::string_view w, long& out) { return bu_digits(w, out); }
 
 }  // namespace
 

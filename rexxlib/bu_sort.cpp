@@ -36,16 +36,7 @@ const order_row* order_of(std::string_view w) {
 }
 
 // A column number: a whole number from 1.
-bool column(std::string_view w, long& out) {
-  if (w.empty() || w.size() > 9) return false;
-  long n = 0;
-  for (char ch : w) {
-    if (ch < '0' || ch > '9') return false;
-    n = n * 10 + (ch - '0');
-  }
-  out = n;
-  return n >= 1;
-}
+bool column(std::string_view w, long& out) { return bu_digits(w, out) && out >= 1; }
 
 // Parses the list of keys; false when it is malformed.
 bool parse_keys(std::string_view text, std::vector<sort_key>& keys) {

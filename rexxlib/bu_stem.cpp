@@ -84,3 +84,14 @@ const char* bu_symbol_arg(const bu_call& c, std::size_t index) {
   if (!n || n->type != SYMBOL || !n->has_value) return nullptr;
   return n->value.c_str();
 }
+
+bool bu_digits(std::string_view w, long& out) {
+  if (w.empty() || w.size() > 9) return false;
+  long n = 0;
+  for (char ch : w) {
+    if (ch < '0' || ch > '9') return false;
+    n = n * 10 + (ch - '0');
+  }
+  out = n;
+  return true;
+}
