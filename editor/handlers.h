@@ -198,3 +198,4 @@ int xfcm_filter(const xf_cmd_call& c);
 int xfcm_compile(const xf_cmd_call& c);
 int xfcm_nexterror(const xf_cmd_call& c);
 int xfcm_clearerrors(const xf_cmd_call& c);
+int xfcm_extract(const xf_cmd_call& c);

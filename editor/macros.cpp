@@ -4,6 +4,7 @@
 #include "editor/command.h"
 #include "editor/fileio.h"
 #include "editor/messages.h"
+#include "editor/rexx_link.h"
 #include "editor/state.h"
 #include "os/os_file.h"
 #include "os/os_path.h"
@@ -142,9 +143,7 @@ bool xf_macro_step(std::string_view text, std::string_view first_word, std::stri
   std::string_view args = text.substr(first_word.size());
   if (!args.empty() && args[0] == ' ') args.remove_prefix(1);
   if (kind == XF_MACRO_REXX) {
-    // REXX macros run once the interpreter is linked into the editor.
-    xf_msg(173, XF_MSG_ERROR);
-    rc = 1;
+    rc = xf_rexx_run(xf_macros.tables[kind][at].path, args, name);
   } else {
     run_command_macro(xf_macros.tables[kind][at], args, work_dir);
   }

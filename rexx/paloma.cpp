@@ -154,3 +154,10 @@ void paloma_queue_push(std::string line) { rx_queue_push(std::move(line)); }
 bool paloma_queue_pull(std::string& line) { return rx_queue_pull(line); }
 std::size_t paloma_queue_count() { return rx_queue_size(); }
 void paloma_queue_clear() { rx_queue_clear(); }
+
+void paloma_set_variable(std::string_view name, std::string_view value) {
+  if (!rx_st.run) return;
+  rx_assign_name(rx_ctx(), name, rx_value::string(value));
+}
+
+void paloma_set_terminal_hook(void (*hook)()) { rx_set_terminal_hook(hook); }

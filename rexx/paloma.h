@@ -56,6 +56,14 @@ std::string paloma_dump_tokens(const paloma_program& prog);
 using paloma_env_handler = int (*)(std::string_view command, void* user);
 void paloma_register_environment(std::string_view name, paloma_env_handler handler, bool make_current, void* user);
 
+// A hook that runs before a program writes to standard output or standard error, or reads standard input, so that a
+// host holding a full screen can first give the terminal back. Null removes it.
+void paloma_set_terminal_hook(void (*hook)());
+
+// Sets a variable of the running program's current pool (the name folded by its case mode, as an assignment
+// would); for a host answering its program, as EXTRACT does.
+void paloma_set_variable(std::string_view name, std::string_view value);
+
 // The program stack that PUSH, QUEUE and PULL work on, shared by every run and by the host (the editor runs its
 // lines as commands): add puts a line at the tail, push at the head, pull takes the head of the current buffer.
 void paloma_queue_add(std::string line);

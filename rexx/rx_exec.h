@@ -192,6 +192,8 @@ void rx_assign_slice(const rx_stmt& s);
 
 // Seams to the outside: program output, error reports, input lines, and the queue with its buffers.
 void rx_output(std::string_view bytes);
+// A host hook called before the program writes to the terminal or reads from it (null: none).
+void rx_set_terminal_hook(void (*hook)());
 void rx_output_flush();
 void rx_report_out(std::string_view report);
 // One line of input without its terminator; false at the end of the input.

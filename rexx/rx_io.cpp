@@ -6,17 +6,32 @@
 #include "rexx/rx_exec.h"
 #include "rexx/rx_state.h"
 
-void rx_output(std::string_view bytes) { std::fwrite(bytes.data(), 1, bytes.size(), stdout); }
+namespace {
+// The host's hook, called before the terminal is written to or read from.
+void (*terminal_hook)() = nullptr;
+void before_terminal() {
+  if (terminal_hook) terminal_hook();
+}
+}  // namespace
+
+void rx_set_terminal_hook(void (*hook)()) { terminal_hook = hook; }
+
+void rx_output(std::string_view bytes) {
+  before_terminal();
+  std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+}
 
 void rx_output_flush() { std::fflush(stdout); }
 
 void rx_report_out(std::string_view report) {
+  before_terminal();
   std::fflush(stdout);
   std::fwrite(report.data(), 1, report.size(), stderr);
   std::fflush(stderr);
 }
 
 bool rx_read_line(std::string& line) {
+  before_terminal();
   std::fflush(stdout);
   line.clear();
   int c;

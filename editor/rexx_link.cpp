@@ -1,0 +1,203 @@
+// The editor's side of PALOMA: REXX macros run inside the editor, their commands come back through the TOLVA
+// environment, and EXTRACT answers them with the editor's state in their variables.
+#include "editor/rexx_link.h"
+
+#include <cctype>
+#include <cstdio>
+
+#include "editor/command.h"
+#include "editor/handlers.h"
+#include "editor/input.h"
+#include "editor/messages.h"
+#include "editor/operands.h"
+#include "editor/ring.h"
+#include "editor/state.h"
+#include "os/os_path.h"
+#include "rexx/paloma.h"
+#include "rexxlib/bu_frame.h"
+
+xf_rexx_state xf_rexx;
+
+namespace {
+
+std::string on_off(bool on) { return on ? "ON" : "OFF"; }
+
+// The reply of a table item: its values, or false when the item is not one of the table.
+bool table_item(const std::string& item, std::string_view operand, std::vector<std::string>& values,
+                std::string& stem) {
+  (void)operand;
+  const xf_file* f = xf_ring.file;
+  auto is = [&](std::string_view full, std::size_t least) {
+    return item.size() >= least && item.size() <= full.size() && full.starts_with(item);
+  };
+  std::string name = f ? f->name : std::string();
+  std::size_t slash = name.rfind('/');
+  std::string base = slash == std::string::npos ? name : name.substr(slash + 1);
+  std::size_t dot = base.rfind('.');
+  if (is("alt", 3)) {
+    stem = "ALT";
+    values = {std::to_string(f ? f->alt_auto : 0), std::to_string(f ? f->alt_save : 0)};
+  } else if (is("size", 3)) {
+    stem = "SIZE";
+    values = {std::to_string(f ? f->size : 0)};
+  } else if (is("line", 2)) {
+    stem = "LINE";
+    values = {std::to_string(f ? xf_current_line() + 1 : 0)};
+  } else if (is("length", 3)) {
+    stem = "LENGTH";
+    int32_t l = f ? xf_current_line() : -1;
+    values = {std::to_string(f && l >= 0 && l < f->size ? f->len[static_cast<std::size_t>(l)] : 0)};
+  } else if (is("fname", 2)) {
+    stem = "FNAME";
+    values = {dot == std::string::npos ? base : base.substr(0, dot)};
+  } else if (is("ftype", 2)) {
+    stem = "FTYPE";
+    values = {dot == std::string::npos ? std::string() : base.substr(dot + 1)};
+  } else if (is("lfname", 3)) {
+    stem = "LFNAME";
+    values = {base};
+  } else if (is("name", 2)) {
+    stem = "NAME";
+    values = {name};
+  } else if (is("fdirectory", 2)) {
+    stem = "FDIRECTORY";
+    values = {slash == std::string::npos ? std::string() : name.substr(0, slash)};
+  } else if (is("nbfile", 3)) {
+    stem = "NBFILE";
+    values = {std::to_string(xf_file_count())};
+  } else if (is("rw", 2)) {
+    stem = "RW";
+    values = {on_off(f && f->read_write)};
+  } else if (is("pwd", 3)) {
+    stem = "PWD";
+    values = {xf_run.work_dir};
+  } else if (is("rexx", 4)) {
+    stem = "REXX";
+    values = {"1"};
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void set_stem(const std::string& stem, const std::vector<std::string>& values) {
+  paloma_set_variable(stem + ".0", std::to_string(values.size()));
+  for (std::size_t i = 0; i < values.size(); ++i) paloma_set_variable(stem + "." + std::to_string(i + 1), values[i]);
+}
+
+// The direct items that set their variables themselves.
+bool direct_item(const std::string& item) {
+  if (item == "file") {
+    std::vector<std::string> lines;
+    if (xf_ring.file)
+      for (int32_t l = 0; l < xf_ring.file->size; ++l) lines.emplace_back(xf_ring.file->line(l));
+    set_stem("FILE", lines);
+    return true;
+  }
+  if (item.size() >= 4 && std::string_view("ring").starts_with(item)) {
+    std::vector<std::string> v{std::to_string(xf_file_count())};
+    for (const auto& f : xf_ring.files) v.push_back(f->name);
+    set_stem("RING", v);
+    return true;
+  }
+  if (item.size() >= 3 && std::string_view("reclevel").starts_with(item)) {
+    set_stem("RECLEVEL", {std::to_string(xf_rexx.depth)});
+    return true;
+  }
+  return false;
+}
+
+// EXTRACT /item/item ...: the separator is the character in front of the first item.
+int extract(std::string_view text) {
+  text = xf_trim(text);
+  if (text.empty()) return 0;
+  char sep = text[0];
+  text.remove_prefix(1);
+  while (!text.empty()) {
+    std::size_t end = text.find(sep);
+    std::string_view piece = xf_trim(text.substr(0, end));
+    text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
+    if (piece.empty()) continue;
+    std::size_t letters = 0;
+    while (letters < piece.size() && std::isalpha(static_cast<unsigned char>(piece[letters]))) ++letters;
+    std::string item = xf_lower(piece.substr(0, letters));
+    std::string_view operand = xf_trim(piece.substr(letters));
+    if (direct_item(item)) continue;
+    std::vector<std::string> values;
+    std::string stem;
+    if (!table_item(item, operand, values, stem)) return -1;
+    set_stem(stem, values);
+  }
+  return 0;
+}
+
+// The TOLVA environment: EXTRACT requests, else an editor command whose return code becomes RC.
+int tolva_environment(std::string_view command, void*) {
+  std::string_view t = xf_trim(command);
+  std::size_t w = 0;
+  while (w < t.size() && std::isalpha(static_cast<unsigned char>(t[w]))) ++w;
+  std::string word = xf_lower(t.substr(0, w));
+  if (word.size() >= 3 && std::string_view("extract").starts_with(word)) return extract(t.substr(w));
+  if (command.find('\n') != std::string_view::npos) {
+    xf_msg(70, XF_MSG_ERROR);
+    return 1;
+  }
+  return xfcom2(std::string(command), xf_run.work_dir);
+}
+
+// A macro that writes to the terminal on the full screen: the terminal's own screen comes first.
+void give_terminal() {
+  if (xf_run.batch || xf_rexx.console) return;
+  xf_console(true);
+  xf_rexx.console = true;
+}
+
+}  // namespace
+
+int xf_rexx_run(const std::string& path, std::string_view args, std::string_view called) {
+  if (!xf_rexx.ready) {
+    bu_install();
+    paloma_register_environment("TOLVA", tolva_environment, true, nullptr);
+    paloma_set_terminal_hook(give_terminal);
+    xf_rexx.ready = true;
+  }
+  if (xf_rexx.depth > 0) {
+    // A macro started by a macro's command needs the run context saved and restored around it.
+    xf_msg_text("..... A REXX macro called from a REXX macro is not available yet", XF_MSG_ERROR);
+    return 1;
+  }
+  paloma_load loaded = paloma_load_file(path);
+  if (loaded.rc != 0) {
+    std::string m = loaded.message;
+    while (!m.empty() && m.back() == '\n') m.pop_back();
+    if (!m.empty()) xf_msg_text(m, XF_MSG_ERROR);
+    return 1;
+  }
+  std::string_view base = os_base_name(path);
+  std::size_t dot = base.rfind('.');
+  std::string stem(dot == std::string_view::npos ? base : base.substr(0, dot));
+  std::string ext(dot == std::string_view::npos ? std::string_view() : base.substr(dot));
+  std::string dir = path.substr(0, path.size() - base.size());
+  std::string_view cb = os_base_name(called);
+  std::string call_name(cb.substr(0, cb.rfind('.')));
+  auto item = [](const std::string& s) { return s.empty() ? std::string("\"\"") : s; };
+  std::string source = "TOLVA MACRO " + item(stem) + " " + item(ext) + " " + item(dir) + " " + item(call_name);
+  std::vector<std::string> argv;
+  if (!args.empty()) argv.emplace_back(args);
+  ++xf_rexx.depth;
+  paloma_outcome out = paloma_run(*loaded.program, argv, source);
+  --xf_rexx.depth;
+  std::fflush(stdout);
+  if (xf_rexx.console) {  // what the macro wrote stays until Return
+    xf_console(false);
+    xf_rexx.console = false;
+  }
+  return out.rc != 0 ? 1 : 0;
+}
+
+// EXTRACT typed as a command, with no macro to answer: the interpreter has no program running.
+int xfcm_extract(const xf_cmd_call&) {
+  xf_msg(173, XF_MSG_ERROR);
+  rc = 1;
+  return 1;
+}
