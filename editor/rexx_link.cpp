@@ -2,8 +2,10 @@
 // environment, and EXTRACT answers them with the editor's state in their variables.
 #include "editor/rexx_link.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 
 #include "editor/command.h"
 #include "editor/handlers.h"
@@ -12,6 +14,7 @@
 #include "editor/operands.h"
 #include "editor/ring.h"
 #include "editor/state.h"
+#include "editor/target.h"
 #include "os/os_path.h"
 #include "rexx/paloma.h"
 #include "rexxlib/bu_frame.h"
@@ -21,6 +24,126 @@ xf_rexx_state xf_rexx;
 namespace {
 
 std::string on_off(bool on) { return on ? "ON" : "OFF"; }
+
+// Items of the settings of the search, the view and the file.
+bool view_item(const std::string& item, std::string_view operand, std::vector<std::string>& values,
+               std::string& stem) {
+  const xf_file* f = xf_ring.file;
+  const xf_view& v = *xf_ring.view;
+  const xf_view_file* vf =
+      f && xf_ring.file_no < static_cast<int32_t>(v.per_file.size()) ? &v.per_file[xf_ring.file_no] : &v.defaults;
+  auto is = [&](std::string_view full, std::size_t least) {
+    return item.size() >= least && item.size() <= full.size() && full.starts_with(item);
+  };
+  auto num = [](long long n) { return std::to_string(n); };
+  if (is("arbchar", 3)) {
+    stem = "ARBCHAR";
+    values = {on_off(xf_search.arb_on), std::string(1, xf_search.arb)};
+  } else if (is("arch", 4)) {
+    stem = "ARCH";
+    values = {"linux"};
+  } else if (is("binary", 2)) {
+    stem = "BINARY";
+    values = {on_off(f && f->binary)};
+  } else if (is("column", 3)) {
+    stem = "COLUMN";
+    values = {num(f ? f->column + 1 : 0)};
+  } else if (is("display", 4)) {
+    stem = "DISPLAY";
+    values = {num(v.display[0]), num(v.display[1])};
+  } else if (is("environ", 3)) {
+    stem = "ENVIRON";
+    const char* e = std::getenv(std::string(operand).c_str());
+    values = {e ? e : ""};
+  } else if (is("format", 6) && f) {
+    static const char* const j[] = {"JUSTIFY", "NOJUSTIFY"};
+    static const char* const k[] = {"BLANK", "EXTENDED", "DOT", "DOTEXTENDED"};
+    static const char* const s[] = {"SINGLE", "DOUBLE", "NONE"};
+    stem = "FORMAT";
+    values = {j[f->format[4] & 1], k[f->format[5] & 3], s[std::clamp(f->format[6], 0, 2)]};
+  } else if (is("hex", 3)) {
+    stem = "HEX";
+    values = {on_off(xf_search.hex)};
+  } else if (is("impcmscp", 3)) {
+    stem = "IMPCMSCP";
+    values = {xf_set.impcmscp == 2 ? "XON" : on_off(xf_set.impcmscp == 1)};
+  } else if (is("keepblanks", 5)) {
+    stem = "KEEPBLANKS";
+    values = {on_off(f && f->keep_blanks)};
+  } else if (is("lrecl", 2)) {
+    stem = "LRECL";
+    values = {f && f->lrecl ? num(f->lrecl) : "*", ""};
+  } else if (is("trunc", 3)) {
+    stem = "TRUNC";
+    values = {f && f->trunc ? num(f->trunc) : "*", ""};
+  } else if (is("macro", 5)) {
+    stem = "MACRO";
+    values = {on_off(xf_set.macro_on)};
+  } else if (is("margins", 3) && f) {
+    stem = "MARGINS";
+    std::string para = f->format[2] >= 0 ? num(f->format[2] + 1)
+                                         : (f->format[3] >= 0 ? "+" : "") + num(f->format[3]);
+    values = {num(f->format[0] + 1), num(f->format[1] + 1), para};
+  } else if (is("number", 3)) {
+    stem = "NUMBER";
+    values = {vf->number == 2 ? "ZERO" : on_off(vf->number)};
+  } else if (is("point", 1) && f) {
+    stem = "POINT";
+    std::string names;
+    for (const xf_point& p : f->points)
+      if (p.line == xf_current_line()) names += (names.empty() ? "" : " ") + p.name;
+    values = {names};
+  } else if (is("powerinput", 3) && f) {
+    stem = "POWERINPUT";
+    values = {on_off(f->power[0]), f->power[1] ? "NOPREVIOUS" : "PREVIOUS", f->power[2] ? "NOMOVE" : "MOVE"};
+  } else if (is("scope", 5)) {
+    stem = "SCOPE";
+    values = {v.scope == 1 ? "ALL" : "DISPLAY"};
+  } else if (is("select", 3) && f) {
+    stem = "SELECT";
+    int32_t l = xf_current_line(), high = 0;
+    for (int32_t k = 0; k < f->size; ++k) high = std::max(high, f->select[static_cast<std::size_t>(k)]);
+    values = {num(l >= 0 && l < f->size ? f->select[static_cast<std::size_t>(l)] : 0), num(high)};
+  } else if (is("sep", 3)) {
+    stem = "SEP";
+    values = {on_off(xf_set.linend_on), std::string(1, xf_set.linend)};
+  } else if (is("shadow", 4)) {
+    stem = "SHADOW";
+    values = {on_off(v.shadow)};
+  } else if (is("span", 4)) {
+    stem = "SPAN";
+    values = {on_off(xf_search.span_on), xf_search.span_blank ? "BLANK" : "NOBLANK",
+              xf_search.span_lines ? num(xf_search.span_lines) : "*"};
+  } else if (is("stay", 4)) {
+    stem = "STAY";
+    values = {on_off(xf_search.stay)};
+  } else if (is("tabs", 4) && f) {
+    stem = "TABS";
+    std::string cols;
+    for (std::size_t k = 2; k < f->tabs.size(); ++k) cols += (cols.empty() ? "" : " ") + num(f->tabs[k]);
+    values = {cols};
+  } else if (is("varblank", 8)) {
+    stem = "VARBLANK";
+    values = {on_off(xf_search.varblank)};
+  } else if (is("width", 1) && f) {
+    stem = "WIDTH";
+    int32_t w = 0;
+    for (int32_t k = 0; k < f->size; ++k) w = std::max(w, f->len[static_cast<std::size_t>(k)]);
+    values = {num(w)};
+  } else if (is("wrap", 2)) {
+    stem = "WRAP";
+    values = {on_off(xf_search.wrap)};
+  } else if (is("xhome", 1)) {
+    stem = "XHOME";
+    values = {xf_run.xhome};
+  } else if (is("zone", 1)) {
+    stem = "ZONE";
+    values = {num(vf->zone_first + 1), num(std::min<long long>(vf->zone_last + 1LL, 0x7ffffffe))};
+  } else {
+    return false;
+  }
+  return true;
+}
 
 // The reply of a table item: its values, or false when the item is not one of the table.
 bool table_item(const std::string& item, std::string_view operand, std::vector<std::string>& values,
@@ -75,7 +198,7 @@ bool table_item(const std::string& item, std::string_view operand, std::vector<s
     stem = "REXX";
     values = {"1"};
   } else {
-    return false;
+    return view_item(item, operand, values, stem);
   }
   return true;
 }
