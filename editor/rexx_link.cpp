@@ -23,6 +23,9 @@ xf_rexx_state xf_rexx;
 
 namespace {
 
+// How deep macros may call macros through editor commands before the chain is refused.
+constexpr int max_depth = 64;
+
 std::string on_off(bool on) { return on ? "ON" : "OFF"; }
 
 // Items of the settings of the search, the view and the file.
@@ -284,11 +287,12 @@ int xf_rexx_run(const std::string& path, std::string_view args, std::string_view
     paloma_set_terminal_hook(give_terminal);
     xf_rexx.ready = true;
   }
-  if (xf_rexx.depth > 0) {
-    // A macro started by a macro's command needs the run context saved and restored around it.
-    xf_msg_text("..... A REXX macro called from a REXX macro is not available yet", XF_MSG_ERROR);
+  if (xf_rexx.depth >= max_depth) {
+    xf_msg(26, XF_MSG_ERROR);  // a macro that keeps calling macros
     return 1;
   }
+  // A macro started by a macro's command: the outer run's state comes back when it ends.
+  paloma_nest keep;
   paloma_load loaded = paloma_load_file(path);
   if (loaded.rc != 0) {
     std::string m = loaded.message;

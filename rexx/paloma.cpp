@@ -161,3 +161,15 @@ void paloma_set_variable(std::string_view name, std::string_view value) {
 }
 
 void paloma_set_terminal_hook(void (*hook)()) { rx_set_terminal_hook(hook); }
+
+struct paloma_nest::saved {
+  rx_switches sw;
+  rx_error_state error;
+};
+
+paloma_nest::paloma_nest() : saved_(std::make_unique<saved>(saved{rx_st.sw, rx_st.error})) {}
+
+paloma_nest::~paloma_nest() {
+  rx_st.sw = saved_->sw;
+  rx_st.error = saved_->error;
+}

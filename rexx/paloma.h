@@ -56,6 +56,20 @@ std::string paloma_dump_tokens(const paloma_program& prog);
 using paloma_env_handler = int (*)(std::string_view command, void* user);
 void paloma_register_environment(std::string_view name, paloma_env_handler handler, bool make_current, void* user);
 
+// While alive, keeps the process-wide state of a running program (its OPTION switches and error state) so that
+// a program started from inside it (a host command that runs another program) leaves the outer run as it was.
+class paloma_nest {
+ public:
+  paloma_nest();
+  ~paloma_nest();
+  paloma_nest(const paloma_nest&) = delete;
+  paloma_nest& operator=(const paloma_nest&) = delete;
+
+ private:
+  struct saved;
+  std::unique_ptr<saved> saved_;
+};
+
 // A hook that runs before a program writes to standard output or standard error, or reads standard input, so that a
 // host holding a full screen can first give the terminal back. Null removes it.
 void paloma_set_terminal_hook(void (*hook)());
