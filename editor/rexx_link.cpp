@@ -18,6 +18,7 @@
 #include "os/os_path.h"
 #include "rexx/paloma.h"
 #include "rexxlib/bu_frame.h"
+#include "screen/as_read.h"
 
 xf_rexx_state xf_rexx;
 
@@ -271,6 +272,16 @@ int tolva_environment(std::string_view command, void*) {
   return xfcom2(std::string(command), xf_run.work_dir);
 }
 
+// The poll of a running macro: Ctrl+C typed on the screen kills it, and every macro around it.
+bool poll_interrupt() {
+  if (xf_rexx.killed) return true;
+  if (xf_run.batch || ++xf_rexx.polls < 20 || (xf_rexx.polls & 1023) != 0) return false;
+  if (!asqbreak()) return false;
+  xf_rexx.killed = true;
+  xf_msgf(XF_MSG_ERROR, "... macro %s killed", xf_rexx.name.c_str());
+  return true;
+}
+
 // A macro that writes to the terminal on the full screen: the terminal's own screen comes first.
 void give_terminal() {
   if (xf_run.batch || xf_rexx.console) return;
@@ -285,6 +296,7 @@ int xf_rexx_run(const std::string& path, std::string_view args, std::string_view
     bu_install();
     paloma_register_environment("TOLVA", tolva_environment, true, nullptr);
     paloma_set_terminal_hook(give_terminal);
+    paloma_set_poll_hook(poll_interrupt);
     xf_rexx.ready = true;
   }
   if (xf_rexx.depth >= max_depth) {
@@ -311,9 +323,17 @@ int xf_rexx_run(const std::string& path, std::string_view args, std::string_view
   std::string source = "TOLVA MACRO " + item(stem) + " " + item(ext) + " " + item(dir) + " " + item(call_name);
   std::vector<std::string> argv;
   if (!args.empty()) argv.emplace_back(args);
+  if (xf_rexx.depth == 0) {
+    xf_rexx.polls = 0;
+    xf_rexx.killed = false;
+  }
+  std::string outer_name = xf_rexx.name;
+  xf_rexx.name = stem;
   ++xf_rexx.depth;
   paloma_outcome out = paloma_run(*loaded.program, argv, source);
   --xf_rexx.depth;
+  xf_rexx.name = outer_name;
+  if (xf_rexx.depth == 0) xf_rexx.killed = false;
   std::fflush(stdout);
   if (xf_rexx.console) {  // what the macro wrote stays until Return
     xf_console(false);

@@ -8,6 +8,9 @@ struct xf_rexx_state {
   bool ready = false;  // the built-ins and the TOLVA environment are installed
   int depth = 0;       // REXX macros running now
   bool console = false;  // a running macro has the terminal's own screen
+  bool killed = false;   // the user stopped the running macros
+  long polls = 0;        // clauses polled since the outermost macro started
+  std::string name;      // the macro running now, for the message that it was killed
 };
 extern xf_rexx_state xf_rexx;
 

@@ -173,3 +173,5 @@ paloma_nest::~paloma_nest() {
   rx_st.sw = saved_->sw;
   rx_st.error = saved_->error;
 }
+
+void paloma_set_poll_hook(bool (*hook)()) { rx_st.poll = hook; }

@@ -70,6 +70,10 @@ class paloma_nest {
   std::unique_ptr<saved> saved_;
 };
 
+// The host's poll, asked before each clause of a program; when it answers true the run ends at once, with -1 as
+// its return code (a user interrupting a macro). Null removes it.
+void paloma_set_poll_hook(bool (*hook)());
+
 // A hook that runs before a program writes to standard output or standard error, or reads standard input, so that a
 // host holding a full screen can first give the terminal back. Null removes it.
 void paloma_set_terminal_hook(void (*hook)());

@@ -176,7 +176,19 @@ bool loop_test(const rx_node* e, bool controlled, bool is_while) {
 
 // The common frame of the loops: WHILE before the body, the body, pending unwinds, UNTIL after it.
 // Returns false when the loop ends.
+// The host's poll, before each clause and each pass of a loop: a user who stops the program ends the run at once,
+// with -1.
+void poll_host() {
+  if (!rx_st.poll || !rx_st.poll()) return;
+  rx_run& r = R();
+  r.pending = RX_PEND_EXIT;
+  r.exit_code = -1;
+  r.has_result = false;
+  throw rx_exit_jump{};
+}
+
 bool pass(const rx_stmt& s, bool controlled, const std::string* var) {
+  poll_host();
   if (s.test_form == RX_TEST_WHILE && !loop_test(s.test, controlled, true)) return false;
   run_list(s.body);
   int k = after_body(var);
@@ -583,6 +595,7 @@ void run_list(const rx_cell* c) {
         continue;
       }
     }
+    poll_host();
     exec(*c->stmt);
     if (r.pending) return;
     if (P().trace & 0x100) {

@@ -37,6 +37,7 @@ struct rx_state {
   rx_switches sw;
   rx_error_state error;
   rx_run* run = nullptr;            // the run in progress, null between runs
+  bool (*poll)() = nullptr;         // the host's poll, asked before each clause: true ends the run with -1
   std::deque<std::string> queue;    // PUSH/QUEUE/PULL lines of the current buffer; shared by all runs
   std::vector<std::deque<std::string>> buffers;  // the queues saved by MAKEBUF, the last made on top
 };
