@@ -272,6 +272,20 @@ int tolva_environment(std::string_view command, void*) {
   return xfcom2(std::string(command), xf_run.work_dir);
 }
 
+// size.1() and its kin: the part before the last dot is an EXTRACT item, asked for with the first argument; the
+// function's value is then the variable of the whole name.
+bool dotted_function(std::string_view name, std::string_view arg, std::string& result) {
+  std::size_t dot = name.rfind('.');
+  std::string item = xf_lower(name.substr(0, dot));
+  if (item == "equalsign") item = "=";
+  std::string request = "/" + item + (arg.empty() ? "" : " " + std::string(arg));
+  if (extract(request) != 0) return false;
+  std::string var(name);
+  if (item == "=") var = "EQUALSIGN" + std::string(name.substr(dot));
+  result = paloma_variable_text(var);
+  return true;
+}
+
 // The poll of a running macro: Ctrl+C typed on the screen kills it, and every macro around it.
 bool poll_interrupt() {
   if (xf_rexx.killed) return true;
@@ -297,6 +311,7 @@ int xf_rexx_run(const std::string& path, std::string_view args, std::string_view
     paloma_register_environment("TOLVA", tolva_environment, true, nullptr);
     paloma_set_terminal_hook(give_terminal);
     paloma_set_poll_hook(poll_interrupt);
+    paloma_set_dotted_functions(dotted_function);
     xf_rexx.ready = true;
   }
   if (xf_rexx.depth >= max_depth) {

@@ -175,3 +175,16 @@ paloma_nest::~paloma_nest() {
 }
 
 void paloma_set_poll_hook(bool (*hook)()) { rx_st.poll = hook; }
+
+void paloma_set_dotted_functions(paloma_dotted_fn fn) { rx_st.dotted = fn; }
+
+std::string paloma_variable_text(std::string_view name) {
+  if (!rx_st.run) return std::string(name);
+  rx_var_ctx c = rx_ctx();
+  rx_node sym = rx_symbol_of(name, c.case_mode);
+  if (const rx_value* v = rx_get(c, sym)) {
+    std::string buf;
+    return std::string(rx_text_of(*v, buf, nullptr));
+  }
+  return rx_default_text(c, sym);
+}

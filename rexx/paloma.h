@@ -74,6 +74,14 @@ class paloma_nest {
 // its return code (a user interrupting a macro). Null removes it.
 void paloma_set_poll_hook(bool (*hook)());
 
+// The host's answer to a function whose name holds a dot, such as size.1(), that no label or built-in answers:
+// given the name as called and the first argument, true with the function's value; false lets the search go on.
+using paloma_dotted_fn = bool (*)(std::string_view name, std::string_view arg, std::string& result);
+void paloma_set_dotted_functions(paloma_dotted_fn fn);
+// The text of a variable of the running program's current pool (its name folded by the case mode); an unset
+// variable gives its own name, as in an expression.
+std::string paloma_variable_text(std::string_view name);
+
 // A hook that runs before a program writes to standard output or standard error, or reads standard input, so that a
 // host holding a full screen can first give the terminal back. Null removes it.
 void paloma_set_terminal_hook(void (*hook)());

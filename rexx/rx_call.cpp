@@ -321,6 +321,14 @@ call_result search_and_call(const rx_node* name, const rx_node* args, rx_value& 
     }
   }
   if (builtins && builtins(name, args, out)) return call_result{true, true};
+  if (rx_st.dotted && name->value.find('.') != std::string::npos) {
+    std::vector<rx_arg> a = eval_args(args);
+    std::string result;
+    if (rx_st.dotted(name->value, a.empty() ? std::string_view() : std::string_view(a[0].text), result)) {
+      out = rx_value::string(result);
+      return call_result{true, true};
+    }
+  }
   return call_external(name, args, out);
 }
 

@@ -38,6 +38,8 @@ struct rx_state {
   rx_error_state error;
   rx_run* run = nullptr;            // the run in progress, null between runs
   bool (*poll)() = nullptr;         // the host's poll, asked before each clause: true ends the run with -1
+  // The host's answer to a function whose name holds a dot (size.1()) that no label or built-in answers.
+  bool (*dotted)(std::string_view name, std::string_view arg, std::string& result) = nullptr;
   std::deque<std::string> queue;    // PUSH/QUEUE/PULL lines of the current buffer; shared by all runs
   std::vector<std::deque<std::string>> buffers;  // the queues saved by MAKEBUF, the last made on top
 };
