@@ -137,6 +137,35 @@ bool view_item(const std::string& item, std::string_view operand, std::vector<st
   } else if (is("wrap", 2)) {
     stem = "WRAP";
     values = {on_off(xf_search.wrap)};
+  } else if (is("screen", 3)) {
+    stem = "SCREEN";
+    values = {num(static_cast<long long>(xf_ring.views.size())), num(xf_ring.view_no + 1)};
+  } else if (is("nbscope", 3) && f) {
+    stem = "NBSCOPE";
+    int32_t in = 0, at = 0;
+    for (int32_t k = 0; k < f->size; ++k)
+      if (xf_in_scope(k)) {
+        ++in;
+        if (k <= xf_current_line()) at = in;
+      }
+    values = {num(in), num(at)};
+  } else if (is("cring", 2)) {
+    stem = "CRING";
+    values = {num(xf_ring.file_no + 1)};
+  } else if (is("lastlorc", 5)) {
+    stem = "LASTLORC";
+    values = {xf_search.last_locate};
+  } else if (is("insert", 3)) {
+    stem = "INSERT";
+    values = {on_off(!xf_run.batch && asqinsert())};
+  } else if (is("cmdline", 3)) {
+    stem = "CMDLINE";
+    int32_t place = v.cmdline_place[0];
+    if (place <= 0)
+      values = {"OFF"};
+    else
+      values = {place == 1 ? "TOP" : "BOTTOM", num(place == 1 ? 2 : v.height)};
+    if (!xf_run.command_line.empty()) values.push_back(xf_run.command_line);
   } else if (is("xhome", 1)) {
     stem = "XHOME";
     values = {xf_run.xhome};
